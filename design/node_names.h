@@ -1,0 +1,40 @@
+// Node texts for nets and legal, unique instance names.
+//
+// Every part of the program that names a node goes through NodeName, so that a net gets
+// one node text wherever it appears.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+
+#include "design/tessel.h"
+#include "design/wire_options.h"
+
+/// Net name to node text. An entry with an empty value counts as absent; reading a key
+/// with operator[] adds it, as the rules expect. Hashed: looked up once per pin.
+using NodeTable = std::unordered_map<std::string, std::string>;
+
+/// Key of a hierarchical instance occurrence to its pin list "pin,node;pin,node;".
+using PinNodeTable = std::unordered_map<std::string, std::string>;
+
+/// Process-wide counter of nodes invented for pins without a net; BeginBlock resets it.
+extern int32_t inventedNodes;
+
+/// The one node text of `name` in `table`: invented for an empty name, "0" for GND...,
+/// else the table's entry, else a new number (options.nextNodeNumber) or legal name.
+std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table);
+
+/// Filters `name` to the characters the chosen simulator accepts, cut to maxNameChars.
+std::string LegalizeName(const WireOptions& options, const std::string& name);
+
+/// Returns `name`, or its first character with a counter behind it when the name is
+/// taken in options.usedNames; records the result.
+std::string UniqueName(WireOptions& options, std::string name);
+
+/// The pin-node table key of a hierarchical instance occurrence: its Index numbers and
+/// the hierarchical name of its own path.
+std::string PinNodeKey(const Tessel::IComp& instance);
+
+/// Names the node of a pin in a flat deck, seen from the instance that holds `comp`.
+std::string FlatNetName(const Tessel::IComp& comp, const Tessel::IteratorT<const Tessel::INet>& net,
+                        const Tessel::IteratorT<const Tessel::IBus>& bus, const PinNodeTable& table);

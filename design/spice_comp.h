@@ -1,0 +1,106 @@
+// SpiceComp: what a generator sees of one placed component.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "design/model_data.h"
+#include "design/node_names.h"
+#include "design/spice_net.h"
+#include "design/tessel.h"
+#include "design/wire_options.h"
+
+/// One pin entry: the key it is found under (pin name, or "D[3]" for a bus bit) and
+/// what is connected there. Kept once, in pin order; lookup by key finds the last entry.
+struct PinEntry {
+  std::string key;
+  SpiceNet net;
+};
+
+/// Upper-case attribute key to value, sorted by key. Reading never adds entries; an
+/// empty value counts as absent everywhere.
+class AttributeTable {
+ public:
+  const std::string& Get(const std::string& upperKey) const;
+  void Set(const std::string& upperKey, const std::string& value);
+  /// Stores only when the present value is empty (definition level).
+  void SetIfEmpty(const std::string& upperKey, const std::string& value);
+  const std::vector<std::pair<std::string, std::string>>& Entries() const { return entries_; }
+  bool Empty() const { return entries_.empty(); }
+
+ private:
+  std::vector<std::pair<std::string, std::string>> entries_;
+};
+
+class SpiceComp {
+ public:
+  /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
+  void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
+            const std::string& instancePath);
+  /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
+  void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
+                const PinNodeTable& pinNodes);
+
+  /// The value under the upper-cased key, or an empty string.
+  std::string Attribute(const std::string& key) const;
+  const AttributeTable& Attributes() const { return attrs; }
+  /// Instance-level keys that stand without a value, in key order.
+  std::vector<std::string> BareAttributes() const;
+  const std::vector<PinEntry>& PinNets() const { return pinNets; }
+  /// The entry under `key`, or nullptr.
+  const SpiceNet* FindPin(const std::string& key) const;
+
+  const std::string& Label() const { return label; }
+  const std::string& RefName() const { return refName; }
+  const std::string& Name() const { return name; }
+  const std::string& InstancePath() const { return instancePath; }
+  const std::string& InternalName() const { return internalName; }
+  std::string QualifiedName() const;
+  bool HasAttributes() const { return hasAttributes; }
+  int32_t Kind() const { return kind; }
+  const std::string& ChildBlockName() const { return childBlockName; }
+  int32_t PinCount() const { return pinCount; }
+  bool IsHdlModel() const;
+
+  /// Model data of the mapping (Kelpo hierarchical walk); empty data otherwise.
+  const ModelData& Model() const;
+  ModelData& MutableModel();
+  bool HasModelPins() const { return model && model->hasModelPins; }
+  const std::string& ModelPinList() const;
+
+  AttributeTable attrs;
+  std::vector<std::string> bareKeys;  // instance keys with empty values, in arrival order
+  std::vector<PinEntry> pinNets;
+  int32_t kind = 0;
+  bool hasAttributes = false;
+  bool excluded = false;
+  int32_t pinCount = 0;
+  std::string childBlockName;
+  std::string label;
+  std::string refName;
+  std::string name;
+  std::string partitionName;
+  std::string internalName;
+  std::string instancePath;
+  std::string hierName;
+  std::shared_ptr<ModelData> model;
+  Tessel::IUIDManager* uidManager = nullptr;
+
+  void GatherAttributes(const Tessel::IComp& comp);
+  void LoadPins(const Tessel::IComp& comp);
+  void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes);
+  void DecideKind(const Tessel::IComp& comp, const WireOptions& options);
+  void FormDeckName(const WireOptions& options);
+  void AddPin(const std::string& key, SpiceNet net);
+};
+
+/// "(lib)_TOP" -> "TOP"; other names stay.
+std::string StripBlockPrefix(const std::string& name);
+
+/// The model mapping for Kelpo decks runs inside SpiceComp::Load; model/ installs it.
+using ModelMapper = void (*)(SpiceComp& comp);
+void SetModelMapper(ModelMapper mapper);
+ModelMapper GetModelMapper();

@@ -1,0 +1,48 @@
+// SpiceProject: owns the open database and what the walk of the design produces.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "design/spice_block.h"
+#include "design/tessel.h"
+#include "design/wire_options.h"
+
+class SpiceProject {
+ public:
+  SpiceProject();
+  /// A copy holds only the database name, the root block and the sub-blocks; it must
+  /// not ask the database anything.
+  SpiceProject(const SpiceProject& other);
+  SpiceProject& operator=(const SpiceProject&) = delete;
+
+  bool Open(std::string location);
+  void SetOptions(WireOptions options);
+  SpiceBlock& FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block, std::string& rootPath);
+  void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
+  void WalkFlat(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
+
+  SpiceBlock& Root() { return rootBlock; }
+  std::vector<SpiceBlock>& SubBlocks() { return subBlocks; }
+
+  std::string databaseName;
+  Tessel::ProjectData projectData;
+  Tessel::ContainerT<const Tessel::ISnapshot> snapshot;
+  Tessel::TesselPI db;
+  SpiceBlock rootBlock;
+  std::vector<std::string> visitedBlocks;
+  WireOptions options;
+  std::string currentInstancePath;
+  std::shared_ptr<std::vector<std::string>> skippedBlocks = std::make_shared<std::vector<std::string>>();
+  Tessel::IUIDManager* uidManager = nullptr;
+  Tessel::IUIDManager uidManagerObject;
+  std::vector<SpiceBlock> subBlocks;
+};
+
+/// Rewrites `path` relative to the project folder (CURRENT_PROJECT_PATH or the working
+/// folder): ".\lib\a.txt" for a path inside it; other paths stay.
+void MakeRelativeToProject(std::string& path);
+
+/// Expands ${NAME} references; unknown names become %NAME%. Without a "}" nothing expands.
+std::string ExpandEnvironmentInPath(std::string path);

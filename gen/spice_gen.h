@@ -1,0 +1,133 @@
+// CSpiceGen: the generator base class, and at once the record of the options.
+//
+// The operations are spread over files by family (see the comments on each group);
+// every deck line goes through `out`.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "design/node_names.h"
+#include "design/spice_block.h"
+#include "design/spice_comp.h"
+#include "design/spice_project.h"
+#include "design/wire_options.h"
+#include "gen/deck_stream.h"
+#include "post/newest_first_list.h"
+#include "post/probe_scope.h"
+#include "post/spice_config.h"
+
+class SpiceReader;
+struct SpiceSubckt;
+
+class CSpiceGen : public WireOptions, public SpiceConfig {
+ public:
+  CSpiceGen() = default;
+  /// A flavour is built from an options record: it copies the option fields (but
+  /// rootPath) into a freshly constructed generator.
+  void CopyOptionsFrom(const CSpiceGen& options);
+  virtual ~CSpiceGen() = default;
+
+  virtual void Reserved() {}
+  virtual void WriteDefinition(SpiceBlock& block);
+
+  // ---- run/options.cpp: the command line and ini file ----
+  static int CheckHelp(int argc, const char* const* argv);
+  static void PrintUsage();
+  void ParseArguments(const char** group, int argc, const char* const* argv);
+  int ParseSwitches(const std::string& token);
+  void AddLevel(std::string name);
+  static int FindOnSearchPath(const std::string& name, std::string& path);
+
+  // ---- run/config_file.cpp ----
+  int ReadConfigFile();
+
+  // ---- run/load_project.cpp ----
+  bool LoadProject(std::string group, SpiceProject& project, WireOptions options);
+
+  // ---- gen/spice_gen.cpp: frame of a run ----
+  void SetDatabaseName(std::string) { databaseName = "database"; }
+  void OpenWirelist(SpiceProject& project);
+  void BeginBlock(SpiceBlock& block);
+  /// The component loop of a block: stops at a component without attributes.
+  void WriteComponents(SpiceBlock& block);
+  /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
+  void WriteDefinitionBody(SpiceBlock& block, const char* endText);
+  void AddNote(std::string line) { notes.push_back(std::move(line)); }
+  void FlushNotes();
+
+  // ---- gen/component_line.cpp ----
+  void EmitComponent(SpiceComp comp);
+  void CheckSpecialComponent(SpiceComp& comp);
+  void ExpandOrder(SpiceComp& comp);
+  void DefaultFromBare(std::string& body, SpiceComp& comp);
+  void DefaultByPrefix(std::string& body, SpiceComp& comp);
+
+  // ---- gen/attribute_value.cpp ----
+  std::string EvaluateAttributeValue(const SpiceComp& comp, const std::string& paramName, std::string value);
+
+  // ---- gen/node_writer.cpp: nodes through this generator's table ----
+  std::string NodeName(const std::string& name, NodeTable& table) { return ::NodeName(*this, name, table); }
+  std::string NodeName(const std::string& name) { return ::NodeName(*this, name, nodes); }
+
+  // ---- gen/pins.cpp ----
+  void WritePins(const SpiceComp& comp, bool group);
+  std::string MapNodeList(std::string nets);
+
+  // ---- gen/dictionary.cpp ----
+  void AddDictionaryLine(std::string line);
+  void WriteDictionary(int flag);
+  void OpenCrossReference(std::string group);
+
+  // ---- gen/header.cpp ----
+  void WriteHeader(const SpiceBlock& root);
+  void WriteGlobals();
+  void WriteModelIncludes();
+  void WriteHdlIncludes(std::string name);
+  void RegisterModel(std::string model, const SpiceComp& comp);
+
+  // ---- gen/probes.cpp: probe collection and the generator's statements ----
+  int CollectProbe(SpiceComp& comp);
+  void CollectCurrentProbe(SpiceComp& comp, const std::string& value);
+  void CollectGenerator(SpiceComp& comp);
+  void AddFlatProbe(const std::string& expression);
+  void WriteGeneratorStatements();
+  void NoteAnalysis(const std::string& key);
+  void WriteFlatProbes();
+  void AddAllNodeProbes(const NodeTable& table);
+  void WriteInitialConditions(SpiceBlock& block);
+
+  // ---- gen/passes.cpp: the two passes over the written deck ----
+  void ProbeProcess();
+  void PostProcess();
+
+  // ---- run state ----
+  NodeTable nodes;
+  DeckStream out;
+  std::vector<std::string> notes;
+  NewestFirstList dictionaryLines;
+  ProbePassState probePass;
+  NewestFirstList analysisKeywords;
+  std::vector<std::string> usedModels;
+  std::unordered_set<std::string> usedModelsLower;  // index of usedModels, lower case
+  std::unordered_map<std::string, std::string> internalNames;
+  std::string currentInstance;
+  std::string circuitPath;
+  std::string databaseName;
+  std::string lineBody;
+  DeckStream xrefOut;
+  std::map<std::string, bool> flatProbes;
+  std::map<std::string, SpiceComp> generatorComps;
+  std::map<std::string, std::string> modelFiles;
+  std::map<std::string, std::string> netUidMap;
+  int32_t uniqueCounter = 0;
+  bool modelRegistered = false;
+  bool groundSeen = false;
+  bool voltageProbeHere = false;
+  bool generatorHere = false;
+};

@@ -1,0 +1,71 @@
+// Backslash paths, case-insensitive lookup, safe file replacement and %NAME% expansion.
+#include "design/platform.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class TempFolder : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    root_ = fs::temp_directory_path() / ("vesk-platform-" + std::to_string(::getpid()));
+    fs::remove_all(root_);
+    fs::create_directories(root_ / "Sym" / "Models");
+    std::ofstream(root_ / "Sym" / "Models" / "Info.xml") << "x";
+    old_ = fs::current_path();
+    fs::current_path(root_);
+  }
+  void TearDown() override {
+    fs::current_path(old_);
+    fs::remove_all(root_);
+  }
+  fs::path root_, old_;
+};
+
+TEST_F(TempFolder, BackslashesAndCaseAreResolved) {
+  EXPECT_EQ(FileSystemPath("sym\\models\\info.XML"), "Sym/Models/Info.xml");
+  EXPECT_EQ(FileSystemPath("Sym/Models/Info.xml"), "Sym/Models/Info.xml");
+  EXPECT_TRUE(FileExists("SYM\\MODELS\\INFO.XML"));
+  EXPECT_FALSE(FileExists("sym\\models"));
+  EXPECT_TRUE(PathExists("sym\\models"));
+}
+
+TEST_F(TempFolder, MissingElementsStayAsSpelled) {
+  EXPECT_EQ(FileSystemPath("sym\\New\\deck.cir"), "Sym/New/deck.cir");
+  EXPECT_EQ(FileSystemPath("genhdl\\TOP\\TOP.cir"), "genhdl/TOP/TOP.cir");
+}
+
+TEST_F(TempFolder, ReplaceFileKeepsOldTextOnFailure) {
+  std::ofstream("deck.cir") << "old";
+  ASSERT_TRUE(ReplaceFile("deck.cir", "new"));
+  std::string text;
+  ASSERT_TRUE(ReadWholeFile("deck.cir", text));
+  EXPECT_EQ(text, "new");
+  if (::geteuid() != 0) {  // root may write anywhere
+    ::chmod(".", 0555);
+    EXPECT_FALSE(ReplaceFile("deck.cir", "lost"));
+    ::chmod(".", 0755);
+    ASSERT_TRUE(ReadWholeFile("deck.cir", text));
+    EXPECT_EQ(text, "new");
+  }
+  EXPECT_FALSE(ReplaceFile("no\\such\\folder\\deck.cir", "x"));
+}
+
+TEST(Environment, PercentReferencesExpandLikeWindows) {
+  ::setenv("VESK_T_HOME", "galt", 1);
+  ::unsetenv("VESK_T_UNSET");
+  EXPECT_EQ(ExpandPercentEnvironment("%VESK_T_HOME%\\standard"), "galt\\standard");
+  EXPECT_EQ(ExpandPercentEnvironment("%VESK_T_UNSET%\\standard"), "%VESK_T_UNSET%\\standard");
+  EXPECT_EQ(ExpandPercentEnvironment("a%b"), "a%b");
+  EXPECT_EQ(ExpandPercentEnvironment("%VESK_T_UNSET%VESK_T_HOME%"), "%VESK_T_UNSETgalt");
+}
+
+}  // namespace

@@ -62,7 +62,8 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   void FlushNotes();
 
   // ---- gen/component_line.cpp ----
-  void EmitComponent(SpiceComp comp);
+  /// Takes the component by reference: nothing here changes it, and a copy per line costs.
+  void EmitComponent(SpiceComp& comp);
   void CheckSpecialComponent(SpiceComp& comp);
   void ExpandOrder(SpiceComp& comp);
   void DefaultFromBare(std::string& body, SpiceComp& comp);
@@ -78,6 +79,9 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   // ---- gen/pins.cpp ----
   void WritePins(const SpiceComp& comp, bool group);
   std::string MapNodeList(std::string nets);
+  /// One pin's node (or node list) behind a blank, by the bracket rule; `entry` is the
+  /// PinNets entry for the first/last bus-bit test, or nullptr.
+  void WritePinNode(const std::string& net, bool group, const SpiceNet* entry);
 
   // ---- gen/dictionary.cpp ----
   void AddDictionaryLine(std::string line);
@@ -90,6 +94,12 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   void WriteModelIncludes();
   void WriteHdlIncludes(std::string name);
   void RegisterModel(std::string model, const SpiceComp& comp);
+  /// Adds the files of the sub-circuits that `subckt` calls, at any depth, to `files`;
+  /// a file already there is not followed again, which also ends call cycles.
+  void CollectModelFiles(const SpiceReader& reader, const SpiceSubckt* subckt, const std::string& directory,
+                         std::set<std::string>& files);
+  /// The include line (or .model card) of one model file, or the warning that it is missing.
+  void WriteModelInclude(const std::string& path);
 
   // ---- gen/probes.cpp: probe collection and the generator's statements ----
   int CollectProbe(SpiceComp& comp);

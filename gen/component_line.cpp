@@ -1,0 +1,283 @@
+// One component line: instance name, nodes, and the body its ORDER template describes.
+#include <cctype>
+#include <iostream>
+
+#include "expr/attribute_text.h"
+#include "gen/spice_gen.h"
+
+namespace {
+
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+std::string Upper(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return text;
+}
+
+bool SameIgnoringCase(const std::string& a, const char* b) { return Lower(a) == Lower(b); }
+
+bool IsAlnum(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+
+bool IsEmptyOrBlank(const std::string& text) { return text.empty() || text == " "; }
+
+void Trim(std::string& text) {
+  const char* white = " \t\r\n\f\v";
+  size_t last = text.find_last_not_of(white);
+  if (last == std::string::npos) {
+    text.clear();
+    return;
+  }
+  text.erase(last + 1);
+  text.erase(0, text.find_first_not_of(white));
+}
+
+// The part of a component's name in front of its first "."; "" when there is no ".".
+std::string ModelPart(const std::string& name) {
+  size_t dot = name.find('.');
+  return dot == std::string::npos ? std::string() : name.substr(0, dot);
+}
+
+// Whether an instance line names its model or block ahead of the body: the template does
+// not mention the model itself (case-sensitive), or there is neither template nor MODEL.
+bool NeedsCalledName(const std::string& order, const SpiceComp& comp) {
+  if (!order.empty())
+    return order.find("MODEL") == std::string::npos && order.find("Model") == std::string::npos;
+  return comp.Attributes().Get("MODEL").empty();
+}
+
+// The end of a token that starts at `i`: at a blank or a quote (not taken) or behind a "$".
+size_t TokenEnd(const std::string& text, size_t i) {
+  while (i < text.size()) {
+    char c = text[i];
+    if (c == ' ' || c == '"') return i;
+    ++i;
+    if (c == '$') return i;
+  }
+  return i;
+}
+
+// Interprets one ORDER template into the generator's lineBody.
+class OrderExpander {
+ public:
+  OrderExpander(CSpiceGen& gen, SpiceComp& comp) : gen_(gen), comp_(comp), body_(gen.lineBody) {}
+
+  void Interpret(const std::string& order) {
+    size_t i = 0;
+    while (i < order.size()) {
+      char c = order[i];
+      if (c == '"') {
+        i = AppendQuotedText(order, i + 1);
+      } else if (!IsAlnum(c)) {
+        ++i;
+      } else {
+        size_t end = TokenEnd(order, i);
+        ExpandToken(order.substr(i, end - i));
+        i = end;
+      }
+    }
+  }
+
+ private:
+  // Copies quoted text up to the closing quote (or the end), escapes applied, then a blank.
+  size_t AppendQuotedText(const std::string& order, size_t i) {
+    while (i < order.size() && order[i] != '"') {
+      if (order[i] == '\\') {
+        if (i + 1 < order.size()) body_ += EscapeCharacter(order[i + 1]);
+        i += 2;
+        continue;
+      }
+      body_ += order[i++];
+    }
+    body_ += ' ';
+    return i + 1;
+  }
+
+  void ExpandToken(const std::string& token) {
+    const char last = token.back();
+    if (token.size() >= 2 && last == '$' && token[token.size() - 2] != '=') return ExpandValue(token);
+    if (token.size() >= 2 && last == '[') return ExpandPin(token.substr(0, token.size() - 1));
+    if (token.size() >= 2 && (last == '=' || last == '$')) return ExpandParameter(token);
+    ExpandKeyword(token);
+  }
+
+  // "TC" with its value: "TC 2 "; nothing without the attribute.
+  void ExpandKeyword(const std::string& token) {
+    const std::string& attribute = comp_.Attributes().Get(Upper(token));
+    if (attribute.empty()) return;
+    body_ += token;
+    body_ += ' ';
+    std::string value = gen_.EvaluateAttributeValue(comp_, token, attribute);
+    if (!gen_.modelRegistered && token == "MODEL") Register(value);
+    body_ += value;
+    body_ += ' ';
+  }
+
+  // "NAME$": the value; VALUE, DCVAL and ACMAG default to 0 with a note.
+  void ExpandValue(const std::string& token) {
+    std::string name;
+    for (size_t i = 0; i + 1 < token.size(); ++i)
+      if (token[i] != '=') name += token[i];
+    const std::string upperName = Upper(name);
+    if (upperName == "DISTRIBUTION") return AppendDistribution();
+
+    std::string value = gen_.EvaluateAttributeValue(comp_, name, comp_.Attributes().Get(upperName));
+    if ((upperName == "VALUE" || upperName == "DCVAL" || upperName == "ACMAG") && IsEmptyOrBlank(value)) {
+      AppendDefaultZero();
+    } else {
+      body_ += value;
+      body_ += ' ';
+    }
+    if (!gen_.modelRegistered && upperName == "MODEL") Register(value);
+  }
+
+  void AppendDistribution() {
+    std::string text = comp_.Attributes().Get("DISTRIBUTION");
+    const std::string& value = comp_.Attributes().Get("VALUE");
+    if (IsEmptyOrBlank(value)) return AppendDefaultZero();
+    static const std::string kPlaceholder = "Value$";
+    for (size_t pos = text.find(kPlaceholder); pos != std::string::npos;
+         pos = text.find(kPlaceholder, pos + value.size()))
+      text.replace(pos, kPlaceholder.size(), value);
+    body_ += text;
+    body_ += ' ';
+  }
+
+  void AppendDefaultZero() {
+    body_ += "0 ";
+    gen_.AddNote("*Warning: No value for " + comp_.RefName() + ". Defaulting to 0");
+  }
+
+  // "NAME[": the node at that pin.
+  void ExpandPin(const std::string& pinName) {
+    const SpiceNet* pin = comp_.FindPin(pinName);
+    const std::string net = pin ? pin->Name() : std::string();
+    std::string node = gen_.NodeName(net);
+    body_ += node;
+    body_ += ' ';
+    if (net != node) gen_.AddDictionaryLine("* " + net + " = " + node);
+  }
+
+  // "NAME=" or "NAME=$": " NAME=value "; nothing without the attribute.
+  void ExpandParameter(const std::string& token) {
+    std::string cleaned;
+    for (char c : token)
+      if (c != '$') cleaned += c;
+    const std::string name = cleaned.substr(0, cleaned.size() - 1);
+    const std::string upperName = Upper(name);
+    const std::string& attribute = comp_.Attributes().Get(upperName);
+    if (IsEmptyOrBlank(attribute)) return;
+    std::string value = gen_.EvaluateAttributeValue(comp_, name, attribute);
+    body_ += ' ';
+    body_ += cleaned;
+    body_ += value;
+    body_ += ' ';
+    if (!gen_.modelRegistered && upperName == "MODEL") Register(value);
+  }
+
+  void Register(const std::string& model) {
+    gen_.modelRegistered = true;
+    gen_.RegisterModel(model, comp_);
+  }
+
+  CSpiceGen& gen_;
+  SpiceComp& comp_;
+  std::string& body_;
+};
+
+}  // namespace
+
+void CSpiceGen::EmitComponent(SpiceComp& comp) {
+  if (!comp.HasAttributes()) return;
+  if (comp.RefName().empty() && comp.Kind() != 3) return;
+  if (flatten && comp.RefName().empty()) {
+    std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
+    std::cout << note;
+    out << note;
+    return;
+  }
+  voltageProbeHere = false;
+  generatorHere = false;
+  CheckSpecialComponent(comp);
+  if (voltageProbeHere) {
+    out << "* voltage probe on node : ";
+    WritePins(comp, false);
+    out << "\n";
+    return;
+  }
+  if (generatorHere) return;
+
+  out << comp.RefName();
+  internalNames[Lower(comp.RefName())] = comp.InternalName();
+  WritePins(comp, false);
+  const std::string& order = comp.Attributes().Get("ORDER");
+  const bool namesCalled = NeedsCalledName(order, comp);
+  if (comp.Kind() != 2) {
+    char first = comp.RefName().empty() ? '\0' : comp.RefName()[0];
+    if ((first == 'X' || first == 'x') && namesCalled) out << ' ' << ModelPart(comp.Name());
+    ExpandOrder(comp);
+    out << ' ' << lineBody;
+  } else {
+    if (namesCalled) out << ' ' << comp.ChildBlockName();
+    if (wirelistKind == kPspice || wirelistKind == kKelpo || wirelistKind == kHspice || analogDeps ||
+        !comp.Attributes().Get("COMPOSITE_ORDER").empty()) {
+      ExpandOrder(comp);
+      out << ' ' << lineBody;
+    }
+  }
+  out << "\n";
+  FlushNotes();
+}
+
+void CSpiceGen::CheckSpecialComponent(SpiceComp& comp) {
+  if (!comp.Attributes().Get("PROBE").empty() && CollectProbe(comp) == 0) voltageProbeHere = true;
+  if (!comp.Attributes().Get("GENERATOR").empty()) {
+    generatorHere = true;
+    CollectGenerator(comp);
+  }
+}
+
+void CSpiceGen::ExpandOrder(SpiceComp& comp) {
+  std::string order;
+  if (!firstOrder.empty() && firstOrder.compare(0, 4, "EXT=") != 0) order = comp.Attribute(firstOrder);
+  if (order.empty()) order = comp.Attributes().Get("ORDER");
+  if (order.empty()) order = "Model$";
+  lineBody.clear();
+  modelRegistered = false;
+  OrderExpander(*this, comp).Interpret(NormalizeOrderTemplate(order));
+  Trim(lineBody);
+  if (!lineBody.empty() || alien || comp.Kind() == 2) return;
+  DefaultFromBare(lineBody, comp);
+  if (lineBody.empty()) DefaultByPrefix(lineBody, comp);
+}
+
+void CSpiceGen::DefaultFromBare(std::string& body, SpiceComp& comp) {
+  std::vector<std::string> bare = comp.BareAttributes();
+  if (bare.empty() || bare.back().empty()) return;
+  const std::string& word = bare.back();
+  body += ' ';
+  body += word;
+  if (SameIgnoringCase(word, "model"))
+    AddNote("*Error : No Model attribute found for component " + comp.RefName());
+}
+
+void CSpiceGen::DefaultByPrefix(std::string& body, SpiceComp& comp) {
+  const std::string& ref = comp.RefName();
+  const char first = ref.empty() ? '\0' : ref[0];
+  if (first != '\0' && std::string("BDJKMQX").find(first) != std::string::npos) {
+    std::string model = ModelPart(comp.Name());
+    body += ' ';
+    body += model;
+    RegisterModel(model, comp);
+    AddNote("*Warning: No Model For " + ref + ".Defaulting  to " + model);
+    return;
+  }
+  if (first != '\0' && std::string("CEFGHILRV").find(first) != std::string::npos) {
+    body += " 0";
+    AddNote("*Warning: No Value For " + ref + ".Defaulting  to 0");
+    return;
+  }
+  AddNote("*Warning: No Value For " + ref + ".No Default");
+}

@@ -1,0 +1,92 @@
+// A component's nodes on its line: pin order, unconnected pins, bracketed HDL groups.
+#include <cctype>
+
+#include "gen/spice_gen.h"
+
+namespace {
+
+std::string TrimmedWhite(const std::string& text) {
+  const char* white = " \t\r\n\f\v";
+  size_t first = text.find_first_not_of(white);
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(white) - first + 1);
+}
+
+bool HoldsInnerBlank(const std::string& text) {
+  return text.size() > 1 && text.find(' ', 1) != std::string::npos;
+}
+
+// Pins are written unless "No Pins" (or NO_PINS) says otherwise: empty, "0" or "false".
+bool PinsWanted(const SpiceComp& comp) {
+  std::string noPins = comp.Attributes().Get("NO PINS");
+  if (noPins.empty()) noPins = comp.Attributes().Get("NO_PINS");
+  if (noPins.empty() || noPins == "0") return true;
+  std::string lower = noPins;
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return lower == "false";
+}
+
+const std::string& PinListText(const SpiceComp& comp) {
+  if (comp.HasModelPins()) return comp.ModelPinList();
+  const std::string& pinOrder = comp.Attributes().Get("PIN ORDER");
+  return pinOrder.empty() ? comp.Attributes().Get("PINORDER") : pinOrder;
+}
+
+}  // namespace
+
+void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
+  if (!comp.HasAttributes() || !PinsWanted(comp)) return;
+  const std::string& pinList = PinListText(comp);
+  const std::vector<PinEntry>& pinNets = comp.PinNets();
+  if (pinList.empty() || pinList == " ") {
+    for (const PinEntry& entry : pinNets) {
+      if (!entry.net.IsConnected()) AddNote("* Pin  is not connected");
+      WritePinNode(entry.net.Name(), group, nullptr);
+    }
+    return;
+  }
+  size_t k = 0;
+  for (size_t pos = 0; pos <= pinList.size(); ++k) {
+    size_t blank = pinList.find(' ', pos);
+    if (blank == std::string::npos) blank = pinList.size();
+    const std::string word = pinList.substr(pos, blank - pos);
+    if (word.empty()) break;
+    pos = blank + 1;
+    const SpiceNet* pin = comp.FindPin(word);
+    if (pin && !pin->IsConnected()) AddNote("* Pin " + comp.RefName() + "." + word + " is not connected");
+    const SpiceNet* entry = k < pinNets.size() ? &pinNets[k].net : nullptr;
+    WritePinNode(pin ? pin->Name() : std::string(), group, entry);
+  }
+}
+
+void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet* entry) {
+  std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net);
+  node = TrimmedWhite(node);
+  if (group && entry && entry->busBit && entry->firstBit) {
+    out << " ( " << node;
+  } else if (group && entry && entry->busBit && entry->lastBit) {
+    out << ' ' << node << " )";
+  } else if (group && HoldsInnerBlank(node)) {
+    out << " ( " << node << " )";
+  } else {
+    out << ' ' << node;
+  }
+  if (node == "0") groundSeen = true;
+  if (!net.empty() && net != node) AddDictionaryLine("* " + net + " = " + node);
+}
+
+std::string CSpiceGen::MapNodeList(std::string nets) {
+  std::string result;
+  size_t pos = 0;
+  while (pos < nets.size()) {
+    size_t blank = nets.find(' ', pos);
+    if (blank == std::string::npos) blank = nets.size();
+    if (blank > pos) {
+      result += NodeName(nets.substr(pos, blank - pos));
+      result += ' ';
+    }
+    pos = blank + 1;
+  }
+  size_t first = result.find_first_not_of(" \t\r\n\f\v");
+  return first == std::string::npos ? std::string() : result.substr(first);
+}

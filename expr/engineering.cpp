@@ -1,0 +1,36 @@
+// Six-decimal engineering notation for evaluated values.
+#include "expr/engineering.h"
+
+#include <cstdio>
+
+namespace {
+
+struct EngineeringRow {
+  double limit;  // the number must lie above this (at or above, for 1.0)
+  double divisor;
+  const char* suffix;
+};
+
+// Tested in order; the first row whose limit the number passes decides.
+constexpr EngineeringRow kRows[] = {
+    {1e12, 1e12, "T"}, {1e9, 1e9, "G"},   {1e6, 1e6, "MEG"}, {1e3, 1e3, "K"},     {1.0, 1.0, ""},
+    {1e-3, 1e-3, "M"}, {1e-6, 1e-6, "U"}, {1e-9, 1e-9, "N"}, {1e-12, 1e-12, "P"},
+};
+
+std::string Format(double scaled, const char* suffix) {
+  // Room for the 309 integer digits of the largest double, the decimals and a suffix.
+  char buffer[400];
+  int length = std::snprintf(buffer, sizeof buffer, "%f%s", scaled, suffix);
+  if (length < 0) return std::string();
+  return std::string(buffer, length < static_cast<int>(sizeof buffer) ? length : sizeof buffer - 1);
+}
+
+}  // namespace
+
+std::string FormatEngineering(double number) {
+  for (const EngineeringRow& row : kRows) {
+    bool passes = row.limit == 1.0 ? number >= row.limit : number > row.limit;
+    if (passes) return Format(number / row.divisor, row.suffix);
+  }
+  return Format(number / 1e-15, "F");
+}

@@ -1,0 +1,103 @@
+// Reading the .par and -param.txt files of a model for its instance lines.
+#include "post/instance_parameters.h"
+
+#include <cctype>
+#include <string_view>
+
+#include "design/platform.h"
+
+namespace {
+
+void ToLower(std::string& text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+
+// Calls `take` for each line of `text` as a text-mode read gives it: without its
+// line end (a "\r" before it included), and no empty line behind a final line end.
+template <typename Take>
+void ForEachLine(std::string_view text, Take take) {
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string_view::npos) end = text.size();
+    std::string_view line = text.substr(start, end - start);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (!take(line)) return;
+    start = end + 1;
+  }
+}
+
+bool Holds(std::string_view line, std::string_view part) { return line.find(part) != std::string_view::npos; }
+
+// Replaces the last blank-separated word of `line` by `replacement`.
+void ReplaceLastWord(std::string& line, const std::string& replacement) {
+  size_t end = line.find_last_not_of(" \t\r\n");
+  line.erase(end == std::string::npos ? 0 : end + 1);
+  size_t blank = line.rfind(' ');
+  if (blank != std::string::npos) line.erase(blank);
+  line += ' ';
+  line += replacement;
+}
+
+// The .par file: its first line names the replacement model (behind the first "*");
+// the other lines go into `result` unless `firstOnly`. False when there is no first line.
+bool ReadParFile(const std::string& fileName, bool firstOnly, std::string& replacement, std::string& result) {
+  std::string text;
+  if (!ReadWholeFile(fileName, text) || text.empty()) return false;
+  bool first = true;
+  ForEachLine(text, [&](std::string_view line) {
+    if (first) {
+      size_t star = line.find('*');
+      replacement = std::string(star == std::string_view::npos ? line : line.substr(star + 1));
+      first = false;
+      return !firstOnly;
+    }
+    result.append(line);
+    result += '\n';
+    return true;
+  });
+  return true;
+}
+
+}  // namespace
+
+bool ReadParameterSection(const std::string& fileName, std::string modelName, std::string internalName,
+                          std::string& text) {
+  ToLower(modelName);
+  ToLower(internalName);
+  std::string contents;
+  if (!ReadWholeFile(fileName, contents)) return false;
+  bool inSection = false, kept = false;
+  ForEachLine(contents, [&](std::string_view line) {
+    if (line.empty()) return true;
+    if (line[0] == '*' && Holds(line, modelName) && Holds(line, internalName)) {
+      inSection = true;
+    } else if (inSection && Holds(line, "*end")) {
+      inSection = false;
+    } else if (inSection && Holds(line, "+")) {
+      kept = true;
+      text.append(line);
+      text += '\n';
+    }
+    return true;
+  });
+  return kept;
+}
+
+std::string LoadInstanceParameters(std::string instanceName, const std::string& modelName, std::string& line,
+                                   const std::unordered_map<std::string, std::string>& internalNames,
+                                   std::string& currentInstance) {
+  const std::string parFile = "sym\\" + modelName + ".par";
+  const std::string paramFile = "sym\\" + modelName + "-param.txt";
+  if (!FileExists(parFile) && !FileExists(paramFile)) return std::string();
+  ToLower(instanceName);
+  currentInstance.clear();
+  auto found = internalNames.find(instanceName);
+  const std::string internalName = found == internalNames.end() ? std::string() : found->second;
+  std::string result;
+  bool fromSection = ReadParameterSection(paramFile, modelName, internalName, result);
+  if (!fromSection) result.clear();
+  std::string replacement;
+  if (ReadParFile(parFile, fromSection, replacement, result)) ReplaceLastWord(line, replacement);
+  return result;
+}

@@ -1,0 +1,308 @@
+// The probe pass: rereads a hierarchical deck, drops its probe markers, learns its
+// subcircuits, models and analyses, and puts the print statements ahead of "*.END".
+#include "post/probe_pass.h"
+
+#include <cctype>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+const char kVoltageMarker[] = "* voltage probe on node : ";
+const char kCurrentMarker[] = "* next line is a current sense";
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+bool StartsWith(const std::string& line, std::string_view prefix) {
+  return line.compare(0, prefix.size(), prefix) == 0;
+}
+
+// True when the line begins with `prefix` once its leading blanks are skipped.
+bool StartsWithAfterBlanks(const std::string& line, std::string_view prefix) {
+  size_t start = 0;
+  while (start < line.size() && IsBlank(line[start])) ++start;
+  return line.compare(start, prefix.size(), prefix) == 0;
+}
+
+// The first blank-separated word at or behind `column`.
+std::string FirstWordFrom(const std::string& line, size_t column) {
+  size_t start = column;
+  while (start < line.size() && IsBlank(line[start])) ++start;
+  size_t end = start;
+  while (end < line.size() && !IsBlank(line[end])) ++end;
+  return start < line.size() ? line.substr(start, end - start) : std::string();
+}
+
+std::vector<std::string> SplitWords(const std::string& line) {
+  std::vector<std::string> words;
+  size_t pos = 0;
+  while (pos < line.size()) {
+    while (pos < line.size() && IsBlank(line[pos])) ++pos;
+    size_t end = pos;
+    while (end < line.size() && !IsBlank(line[end])) ++end;
+    if (end > pos) words.push_back(line.substr(pos, end - pos));
+    pos = end;
+  }
+  return words;
+}
+
+// Cuts a line at its first "*", or, when it has none, at its first ";".
+void CutAtComment(std::string& line) {
+  size_t cut = line.find('*');
+  if (cut == std::string::npos) cut = line.find(';');
+  if (cut != std::string::npos) line.erase(cut);
+}
+
+bool IsParamsWord(const std::string& word) {
+  if (word.size() != 7) return false;
+  static const char kParams[] = "PARAMS:";
+  for (size_t i = 0; i < 7; ++i)
+    if (std::toupper(static_cast<unsigned char>(word[i])) != kParams[i]) return false;
+  return true;
+}
+
+// The name of a .model line: behind column 6, leading blanks trimmed, up to the first
+// blank; a name with no blank behind it reads as empty.
+std::string ModelName(const std::string& line) {
+  size_t start = 6;
+  while (start < line.size() && IsBlank(line[start])) ++start;
+  size_t end = start;
+  while (end < line.size() && !IsBlank(line[end])) ++end;
+  return end < line.size() ? line.substr(start, end - start) : std::string();
+}
+
+// Reads a text line by line, as a text-mode file would: "\r\n" reads as an end of line.
+class LineReader {
+ public:
+  explicit LineReader(const std::string& text) : text_(text) {}
+  bool Read(std::string& line) {
+    if (pos_ >= text_.size()) return false;
+    size_t end = text_.find('\n', pos_);
+    if (end == std::string::npos) end = text_.size();
+    line.assign(text_, pos_, end - pos_);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    pos_ = end + 1;
+    return true;
+  }
+
+ private:
+  const std::string& text_;
+  size_t pos_ = 0;
+};
+
+}  // namespace
+
+std::string CalledSubckt(const std::string& line) {
+  std::vector<std::string> words = SplitWords(line);
+  size_t stop = 1;
+  while (stop < words.size()) {
+    const std::string& word = words[stop];
+    if (word[0] == '=') {
+      --stop;  // the word ahead of "=value" is the parameter's name
+      break;
+    }
+    if (word.find('=') != std::string::npos || IsParamsWord(word)) break;
+    ++stop;
+  }
+  return stop >= 2 ? words[stop - 1] : std::string();
+}
+
+ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const std::string& node,
+                          const std::string& subcircuit, ProbeScope* scope) {
+  if (scope->name.empty()) {
+    scope->name = subcircuit;
+  } else if (scope->name != subcircuit) {
+    ProbeScope* next = state.NewProbeScope();
+    scope->next = next;
+    next->prev = scope;
+    next->name = subcircuit;
+    scope = next;
+  }
+  scope->probes[node] = kind;
+  return scope;
+}
+
+ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& instance,
+                             const std::string& subcircuit, const std::string& target, ProbeScope* scope) {
+  if (scope->name.empty() || scope->name != subcircuit) {
+    ProbeScope* next = state.NewProbeScope();
+    scope->next = next;
+    next->prev = scope;
+    next->name = subcircuit;
+    scope = next;
+  }
+  scope->instances[instance] = target;
+  return scope;
+}
+
+void NoteModel(ProbePassState& state, const std::string& name) {
+  if (!state.modelNames.Add(name)) state.duplicateModels.Add("Duplicate model definition: " + name, false);
+}
+
+void NoteSubckt(ProbePassState& state, const std::string& path) {
+  if (!state.subcktNames.Add(path))
+    state.duplicateSubckts.Add("Duplicate sub-circuit definition: " + path, false);
+}
+
+void NoteProbeItem(ProbePassState& state, const std::string& text) { state.probeItems.Add(text); }
+
+void ReportDuplicates(ProbePassState& state, std::ostream& console) {
+  state.duplicateSubckts.ForEachNewestFirst([&](const std::string& m) { console << m << "\n"; });
+  state.duplicateModels.ForEachNewestFirst([&](const std::string& m) { console << m << "\n"; });
+  state.duplicateSubckts.Clear();
+  state.duplicateModels.Clear();
+}
+
+namespace {
+
+// One run of the line loop: take a line, copy it, look ahead and join, act on it.
+class ProbePass {
+ public:
+  ProbePass(const std::string& text, ProbePassState& state, const PrintSettings& settings)
+      : reader_(text), state_(state), settings_(settings) {
+    output_.reserve(text.size() + text.size() / 8 + 64);
+  }
+
+  std::string Run() {
+    std::string line;
+    while (Take(line)) {
+      if (!IsWrittenByAct(line)) output_.append(line).append("\n");
+      Join(line);
+      Act(line);
+    }
+    return std::move(output_);
+  }
+
+ private:
+  bool Take(std::string& line) {
+    if (lookAhead_.empty()) return reader_.Read(line);
+    line.swap(lookAhead_);
+    lookAhead_.clear();
+    return true;
+  }
+
+  // Lines that are dropped here: markers and items, or written by Act.
+  static bool IsWrittenByAct(const std::string& line) {
+    return StartsWith(line, kVoltageMarker) || StartsWithAfterBlanks(line, kCurrentMarker) ||
+           StartsWith(line, ".probe/csdf") || StartsWith(line, "*.END") || StartsWith(line, "*.end") ||
+           StartsWith(line, ".ENDS") || StartsWith(line, ".ends");
+  }
+
+  // Joins continuation lines onto `line`; they stay in the file as they were. A blank
+  // line read here is dropped, and so is a comment line inside a model card.
+  void Join(std::string& line) {
+    while (true) {
+      if (!reader_.Read(lookAhead_) || lookAhead_.empty()) {
+        lookAhead_.clear();
+        return;
+      }
+      const bool model = StartsWith(line, ".model");
+      if (model) CutAtComment(line);
+      if (lookAhead_[0] == '+') {
+        output_.append(lookAhead_).append("\n");
+        CutAtComment(lookAhead_);
+        line.append(" ").append(lookAhead_, 1, std::string::npos);
+        lookAhead_.clear();
+        continue;
+      }
+      if (model && (lookAhead_[0] == '*' || lookAhead_[0] == ';')) {
+        lookAhead_.clear();
+        continue;
+      }
+      return;
+    }
+  }
+
+  void Act(const std::string& line) {
+    if (pendingCurrent_) {
+      pendingCurrent_ = false;
+      Tail() = AddScopeProbe(state_, "c", FirstWordFrom(line, 0), subcircuit_, Tail());
+    } else if (StartsWith(line, kVoltageMarker)) {
+      Tail() = AddScopeProbe(state_, "v", FirstWordFrom(line, 26), subcircuit_, Tail());
+    } else if (StartsWith(line, ".probe/csdf")) {
+      NoteProbeItem(state_, line.substr(11));
+    } else if (StartsWithAfterBlanks(line, kCurrentMarker)) {
+      pendingCurrent_ = true;
+    } else if (StartsWith(line, ".subckt") || StartsWith(line, ".SUBCKT")) {
+      OpenSubckt(FirstWordFrom(line, 7));
+    } else if (StartsWith(line, "x") || StartsWith(line, "X")) {
+      Tail() = AddScopeInstance(state_, FirstWordFrom(line, 0), subcircuit_, CalledSubckt(line), Tail());
+    } else if (StartsWith(line, ".model") || StartsWith(line, ".MODEL")) {
+      NoteModel(state_, subcktPath_.empty() ? ModelName(line) : subcktPath_ + "." + ModelName(line));
+    } else if (StartsWith(line, ".ENDS") || StartsWith(line, ".ends")) {
+      CloseSubckt(line);
+    } else if (ActOnAnalysis(line)) {
+      return;
+    } else if (StartsWith(line, "*.end") || StartsWith(line, "*.END")) {
+      WriteStatements(line);
+    }
+  }
+
+  // The print statements go ahead of the end line.
+  void WriteStatements(const std::string& endLine) {
+    WalkProbeScopes(analysisScope_, "", "", state_, settings_, output_);
+    ItemStatements(state_, settings_, output_);
+    output_.append(endLine).append("\n");
+  }
+
+  // .tran, .dc, .ac (lower case only), and .mc lines naming one of them.
+  bool ActOnAnalysis(const std::string& line) {
+    bool* flag = nullptr;
+    if (StartsWith(line, ".tran")) flag = &state_.hasTranAnalysis;
+    if (StartsWith(line, ".dc")) flag = &state_.hasDcAnalysis;
+    if (StartsWith(line, ".ac")) flag = &state_.hasAcAnalysis;
+    if (StartsWith(line, ".mc") && (line.size() == 3 || IsBlank(line[3]))) flag = MonteCarloFlag(line);
+    if (!flag) return false;
+    *flag = true;
+    analysisScope_ = Tail();
+    return true;
+  }
+
+  // The analysis of ".mc <runs> <analysis> ...", written with or without its point.
+  bool* MonteCarloFlag(const std::string& line) {
+    std::vector<std::string> words = SplitWords(line);
+    if (words.size() < 3) return nullptr;
+    std::string analysis = words[2][0] == '.' ? words[2].substr(1) : words[2];
+    for (char& c : analysis) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (analysis == "tran") return &state_.hasTranAnalysis;
+    if (analysis == "dc") return &state_.hasDcAnalysis;
+    if (analysis == "ac") return &state_.hasAcAnalysis;
+    return nullptr;
+  }
+
+  void OpenSubckt(const std::string& name) {
+    subcircuit_ = name;
+    subcktPath_ = subcktPath_.empty() ? name : subcktPath_ + "." + name;
+    NoteSubckt(state_, subcktPath_);
+  }
+
+  void CloseSubckt(const std::string& line) {
+    subcircuit_.clear();
+    output_.append(line).append("\n\n");
+    size_t dot = subcktPath_.rfind('.');
+    subcktPath_.erase(dot == std::string::npos ? 0 : dot);
+  }
+
+  ProbeScope*& Tail() { return state_.probeScopeTail; }
+
+  LineReader reader_;
+  ProbePassState& state_;
+  const PrintSettings& settings_;
+  std::string output_;
+  std::string lookAhead_;
+  bool pendingCurrent_ = false;
+  std::string subcircuit_;
+  std::string subcktPath_;
+  ProbeScope* analysisScope_ = nullptr;
+};
+
+}  // namespace
+
+std::string ProbeProcessText(const std::string& text, ProbePassState& state, const PrintSettings& settings,
+                             std::ostream& console) {
+  if (!state.probeScopeTail) state.probeScopeTail = state.NewProbeScope();
+  std::string output = ProbePass(text, state, settings).Run();
+  ReportDuplicates(state, console);
+  output += " \n";
+  return output;
+}

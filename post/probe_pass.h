@@ -1,0 +1,37 @@
+// The probe pass: rereads a hierarchical deck, drops its probe markers, learns its
+// subcircuits, models and analyses, and puts the print statements ahead of "*.END".
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "post/print_statements.h"
+#include "post/probe_scope.h"
+
+/// Runs the pass over the whole text of a deck and returns the new text, which ends
+/// in " \n". Duplicate definitions are reported on `console`. The state must hold the
+/// first scope (one is made when it does not).
+std::string ProbeProcessText(const std::string& text, ProbePassState& state, const PrintSettings& settings,
+                             std::ostream& console);
+
+/// Enters a probe of `kind` ("v" or "c") in the scope of `subcircuit`; returns the scope
+/// to go on with, a new one at the end of the chain when `scope` belongs to another.
+ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const std::string& node,
+                          const std::string& subcircuit, ProbeScope* scope);
+
+/// Enters an instance calling `target`; a top-level instance always opens a new scope.
+ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& instance,
+                             const std::string& subcircuit, const std::string& target, ProbeScope* scope);
+
+/// Records a model by its full path; a second definition queues a duplicate message.
+void NoteModel(ProbePassState& state, const std::string& name);
+/// Records a subcircuit by its full path; a second definition queues a duplicate message.
+void NoteSubckt(ProbePassState& state, const std::string& path);
+/// Records the text of a .probe/csdf line, once.
+void NoteProbeItem(ProbePassState& state, const std::string& text);
+/// Writes the queued duplicate messages, subcircuits first, newest first, and drops them.
+void ReportDuplicates(ProbePassState& state, std::ostream& console);
+
+/// The subcircuit an X line calls: the last word behind the instance name that is not
+/// a parameter ("A" in "X1 N1 N2 A PARAMS: W=1" and in "X1 N1 N2 A W = 1").
+std::string CalledSubckt(const std::string& line);

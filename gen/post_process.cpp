@@ -1,0 +1,9 @@
+// CSpiceGen::PostProcess: the last pass over the written deck.
+#include "post/post_process.h"
+
+#include "gen/spice_gen.h"
+
+void CSpiceGen::PostProcess() {
+  PostSettings settings{*this, *this, internalNames, currentInstance};
+  PostProcessFile(circuitPath, settings);
+}

@@ -1,0 +1,303 @@
+// The post-process pass: rewrites every line of a written deck for the dialect and the
+// configuration (filters, parameters, quoting, stripped characters, folding).
+#include "post/post_process.h"
+
+#include <cctype>
+#include <iostream>
+#include <string_view>
+
+#include "design/platform.h"
+#include "expr/attribute_text.h"
+#include "expr/value_class.h"
+#include "post/device_lines.h"
+#include "post/instance_parameters.h"
+#include "post/line_words.h"
+
+namespace {
+
+// Under -__ a line is folded once it reaches this many characters.
+constexpr size_t kFoldWidth = 77;
+
+// The statement letters of element lines whose values are quoted.
+bool IsElementLetter(const std::string& letter) {
+  static const std::string_view kLetters = "RCLKITVDQJMGEFHXUNO";
+  return letter.size() == 1 && kLetters.find(letter[0]) != std::string_view::npos;
+}
+
+// Closes up the blanks around "=" in one pass: none stays in front of "=", behind "=",
+// or behind "={", however many there are.
+void CloseUpEquals(std::string& line) {
+  if (line.find('=') == std::string::npos) return;
+  std::string result;
+  result.reserve(line.size());
+  for (char c : line) {
+    size_t size = result.size();
+    if (c == ' ' && size >= 1 && result[size - 1] == '=') continue;
+    if (c == ' ' && size >= 2 && result[size - 2] == '=' && result[size - 1] == '{') continue;
+    if (c == '=') {
+      while (!result.empty() && result.back() == ' ') result.pop_back();
+    }
+    result += c;
+  }
+  line.swap(result);
+}
+
+void ReduceBlanks(std::string& line) {
+  if (line.find("  ") == std::string::npos) return;
+  std::string result;
+  result.reserve(line.size());
+  for (char c : line) {
+    if (c == ' ' && !result.empty() && result.back() == ' ') continue;
+    result += c;
+  }
+  line.swap(result);
+}
+
+// Where a folded line is cut: at a blank in column 77, else behind the last blank ahead
+// of it; a short line, a comment, or a long word without blanks is not cut (its size).
+size_t FoldCut(std::string_view line) {
+  if (line.size() < kFoldWidth || line[0] == '*') return line.size();
+  if (line.size() > kFoldWidth && line[kFoldWidth] == ' ') return kFoldWidth;
+  size_t blank = line.substr(0, kFoldWidth).rfind(' ');
+  return blank == std::string_view::npos ? line.size() : blank + 1;
+}
+
+void RemoveStripChars(std::string& line, const std::string& stripChars) { ReplaceAll(line, stripChars, ""); }
+
+// WlX=W/L becomes LX=L WX=W with their units; WlX=WL... names the sizes by letter;
+// any other value is lost.
+void AppendSplitWidthLength(std::string& result, const KeyValue& word, const PostSettings& settings) {
+  const std::string& value = word.value;
+  size_t divider = value.find('/');
+  if (divider == std::string::npos) divider = value.find('\\');
+  if (divider != std::string::npos && divider > 0 && divider + 1 < value.size()) {
+    std::string suffix = word.key.substr(2);
+    std::string length = "L" + suffix + "=" + value.substr(divider + 1);
+    std::string width = "W" + suffix + "=" + value.substr(0, divider);
+    AdjustWordUnit(length, settings.Units());
+    AdjustWordUnit(width, settings.Units());
+    result += length + " " + width + " ";
+    return;
+  }
+  if (StartsWith(value, "WL") || StartsWith(value, "wl")) {
+    std::string suffix = value.substr(2);
+    result += "L" + suffix + "=L" + suffix + " W" + suffix + "=W" + suffix + " ";
+  }
+}
+
+// One word of RewriteParameterWords, appended to `result` with its blank unless dropped.
+void AppendParameterWord(std::string& result, const std::string& word, bool& needsParams,
+                         const PostSettings& settings) {
+  const WireOptions& options = settings.options;
+  const SpiceConfig& config = settings.config;
+  if (options.dracula && config.noSlash && StartsWith(word, "/")) return;
+  if (word == "PARAMS:" || word == "OPTIONAL:") {
+    needsParams = false;
+    if (options.dracula || options.wirelistKind == kHspice) return;
+  }
+  KeyValue split = SplitKeyValue(word);
+  if (!split.hasEquals || split.value.empty()) {
+    result += word + " ";
+    return;
+  }
+  if (config.stripTransSize) return;
+  if ((options.wirelistKind == kPspice || options.analogDeps) && needsParams) {
+    result += "PARAMS: ";
+    needsParams = false;
+  }
+  if (config.wlSplit != 0 && (StartsWith(word, "Wl") || StartsWith(word, "wl"))) {
+    AppendSplitWidthLength(result, split, settings);
+    return;
+  }
+  result += word + " ";
+}
+
+// The line loop. It works one line behind its reading: a line is rewritten once the
+// next one is known, so that a line ahead of an empty line, and the last line, go
+// through as they stand.
+class PostPass {
+ public:
+  PostPass(PostSettings& settings, size_t sizeHint) : settings_(settings) {
+    output_.reserve(sizeHint + sizeHint / 8 + 64);
+    elements_ = UpperCopy(settings.config.elements);
+  }
+
+  void Read(std::string_view rawLine) {
+    std::string read = Trim(rawLine);
+    if (read.empty()) {
+      FoldLine(output_, pending_, true, settings_);
+      pending_.clear();
+      return;
+    }
+    RewritePending();
+    pending_.swap(read);
+  }
+
+  std::string Finish() {
+    FoldLine(output_, pending_, true, settings_);
+    return std::move(output_);
+  }
+
+ private:
+  void BeginStatement() {
+    letter_ = pending_.substr(0, 1);
+    widthAndLength_.clear();
+    needsParams_ = true;
+    settings_.currentInstance.clear();
+  }
+
+  // COMMANDS keeps the dot commands it names (a plain text search), ELEMENTS the element
+  // letters it names; a list beginning with "ALL" keeps everything.
+  bool IsDropped(const std::string& firstWord) const {
+    const std::string& commands = settings_.config.commands;
+    if (letter_ == ".") return !StartsWith(commands, "ALL") && commands.find(firstWord) == std::string::npos;
+    bool elementLetter = letter_.size() == 1 && std::isupper(static_cast<unsigned char>(letter_[0]));
+    return elementLetter && !StartsWith(elements_, "ALL") && elements_.find(letter_[0]) == std::string::npos;
+  }
+
+  void RewritePending();
+  void RewriteStatement(const std::string& firstWord);
+
+  PostSettings& settings_;
+  std::string output_;
+  std::string pending_;
+  std::string letter_;
+  std::string widthAndLength_;
+  std::string elements_;  // upper case
+  bool needsParams_ = false;
+};
+
+void PostPass::RewritePending() {
+  CloseUpEquals(pending_);
+  std::string firstWord = FirstWord(pending_);
+  if (!StartsWith(pending_, "+")) BeginStatement();
+  if (firstWord == settings_.config.stripComs) {
+    if (!settings_.config.stripComments) FoldLine(output_, pending_, true, settings_);
+    return;
+  }
+  letter_ = UpperCopy(letter_);
+  pending_ = CollapseQuotedBlanks(std::move(pending_));
+  if (IsDropped(firstWord)) return;
+  RewriteStatement(firstWord);
+}
+
+void PostPass::RewriteStatement(const std::string& firstWord) {
+  std::string tail;
+  if (letter_ == "M" || letter_ == "B" || (letter_ == "Q" && settings_.options.dracula)) {
+    RewriteDeviceCard(pending_, widthAndLength_, settings_);
+  }
+  if (letter_ == "X" || StartsWith(firstWord, ".MACRO")) {
+    tail = RewriteParameterWords(pending_, needsParams_, settings_);
+  }
+  if (StartsWith(firstWord, ".SUBCKT")) RewriteParameterWords(pending_, needsParams_, settings_);
+  if (StartsWith(firstWord, ".EOM")) FoldLine(output_, "\n", true, settings_);
+  if (StartsWith(firstWord, ".ENDS")) {
+    output_ += pending_;
+    output_ += "\n\n";
+    return;
+  }
+  if (pending_.empty()) {
+    FoldLine(output_, "\n", true, settings_);
+  } else {
+    RewriteElementWords(pending_, letter_, settings_);
+    RemoveStripChars(pending_, settings_.config.stripChars);
+    FoldLine(output_, pending_, true, settings_);
+  }
+  output_ += tail;
+}
+
+}  // namespace
+
+void ReadStripWords(SpiceConfig& config) {
+  for (const std::string& word : WordsWithEnd(config.stripWords)) {
+    if (word == "TRANS_SIZE") config.stripTransSize = true;
+    if (word == "UNITS") config.stripUnits = true;
+    if (word == "COMMENTS") config.stripComments = true;
+  }
+}
+
+std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
+  std::string result;
+  result.reserve(line.size() + 16);
+  std::string lastWord;
+  bool first = true;
+  for (const std::string& word : WordsWithEnd(line)) {
+    if (first && settings.currentInstance.empty()) settings.currentInstance = word;
+    first = false;
+    if (!word.empty()) lastWord = word;
+    AppendParameterWord(result, word, needsParams, settings);
+  }
+  std::string tail;
+  const std::string& instance = settings.currentInstance;
+  if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
+    tail =
+        LoadInstanceParameters(instance, lastWord, result, settings.internalNames, settings.currentInstance);
+  }
+  line.swap(result);
+  return tail;
+}
+
+void RewriteElementWords(std::string& line, const std::string& letter, PostSettings& settings) {
+  ReduceBlanks(line);
+  if (!IsElementLetter(letter)) return;
+  const bool dracula = settings.options.dracula;
+  if (dracula && line.find("NOT4ECAD") != std::string::npos) {
+    line.clear();
+    return;
+  }
+  std::string result;
+  result.reserve(line.size() + 16);
+  for (std::string& word : WordsWithEnd(line)) {
+    if (dracula) DraculaWord(word, settings);
+    if (!settings.options.hdlSpiceSources) QuoteValue(word, settings);
+    result += word;
+    result += ' ';
+  }
+  line.swap(result);
+}
+
+void FoldLine(std::string& output, const std::string& line, bool first, const PostSettings& settings) {
+  std::string_view rest = TrimRight(line);
+  if (!settings.options.hdlSpiceSources) {
+    output.append(rest);
+    output += '\n';
+    return;
+  }
+  for (bool firstPart = first;; firstPart = false) {
+    rest = TrimRight(rest);
+    size_t cut = FoldCut(rest);
+    if (!firstPart) output += '+';
+    output.append(rest.substr(0, cut));
+    output += '\n';
+    if (cut >= rest.size()) return;
+    rest = rest.substr(cut);
+  }
+}
+
+std::string PostProcessText(const std::string& text, PostSettings& settings) {
+  PostPass pass(settings, text.size());
+  const std::string_view view(text);
+  size_t pos = 0;
+  while (pos < view.size()) {
+    size_t end = view.find('\n', pos);
+    if (end == std::string_view::npos) end = view.size();
+    pass.Read(view.substr(pos, end - pos));
+    pos = end + 1;
+  }
+  return pass.Finish();
+}
+
+void PostProcessFile(const std::string& path, PostSettings& settings) {
+  if (path.empty()) {
+    std::cout << "No Project found to PostProcess... \n";
+    return;
+  }
+  ReadStripWords(settings.config);
+  std::string text;
+  if (!ReadWholeFile(path, text)) {
+    std::cout << "Error: Could not open data file " << path << "\n";
+    return;
+  }
+  // Written beside the deck and renamed over it: a failure leaves the old deck whole.
+  ReplaceFile(path, PostProcessText(text, settings));
+}

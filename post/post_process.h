@@ -1,0 +1,29 @@
+// The post-process pass: rewrites every line of a written deck for the dialect and the
+// configuration (filters, parameters, quoting, stripped characters, folding).
+#pragma once
+
+#include <string>
+
+#include "post/post_settings.h"
+
+/// Sets stripComments, stripTransSize and stripUnits from the words of stripWords.
+void ReadStripWords(SpiceConfig& config);
+
+/// Rewrites the parameter words of an X, .MACRO or .SUBCKT line in place: PARAMS: added
+/// or dropped for the dialect, WL words split. Returns the text to write behind the line
+/// (parameter file lines of an X instance), or "".
+std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings);
+
+/// Reduces runs of blanks; for element letters also drops NOT4ECAD lines of Dracula
+/// decks and quotes the words' values.
+void RewriteElementWords(std::string& line, const std::string& letter, PostSettings& settings);
+
+/// Appends `line` to `output`; under -__ a long line is folded at blanks into "+" lines.
+void FoldLine(std::string& output, const std::string& line, bool first, const PostSettings& settings);
+
+/// Runs the pass over the text of a deck and returns the new text.
+std::string PostProcessText(const std::string& text, PostSettings& settings);
+
+/// Reads the deck at `path` (backslashes allowed), runs the pass and replaces the file.
+/// The old deck stays whole when the new one can't be written.
+void PostProcessFile(const std::string& path, PostSettings& settings);

@@ -1,0 +1,25 @@
+// The settings and run state that the post-process pass reads and changes.
+//
+// It refers to the fields of the generator rather than copying them: the pass sets the
+// strip flags and the quote strings, and the instance rewrite empties currentInstance.
+// Built from a generator as PostSettings{gen, gen, gen.internalNames, gen.currentInstance}.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+
+#include "design/wire_options.h"
+#include "expr/value_class.h"
+#include "post/spice_config.h"
+
+struct PostSettings {
+  const WireOptions& options;
+  SpiceConfig& config;
+  /// Lower-case instance name -> internal name, for the -param.txt sections.
+  const std::unordered_map<std::string, std::string>& internalNames;
+  /// First word of the X, .MACRO or .SUBCKT statement in work.
+  std::string& currentInstance;
+
+  UnitRules Units() const { return UnitRules{&config.uParNames, &config.pParNames, config.stripUnits}; }
+  int32_t Kind() const { return options.wirelistKind; }
+};

@@ -30,6 +30,8 @@ std::string LegalizeName(const WireOptions& options, const std::string& name);
 /// Returns `name`, or its first character with a counter behind it when the name is
 /// taken in options.usedNames; records the result.
 std::string UniqueName(WireOptions& options, std::string name);
+/// The same on a list of used names directly (a const options record shares its list).
+std::string UniqueName(UsedNames& used, std::string name);
 
 /// The pin-node table key of a hierarchical instance occurrence: its Index numbers and
 /// the hierarchical name of its own path.
@@ -38,3 +40,15 @@ std::string PinNodeKey(const Tessel::IComp& instance);
 /// Names the node of a pin in a flat deck, seen from the instance that holds `comp`.
 std::string FlatNetName(const Tessel::IComp& comp, const Tessel::IteratorT<const Tessel::INet>& net,
                         const Tessel::IteratorT<const Tessel::IBus>& bus, const PinNodeTable& table);
+
+/// What FlatNetName needs to know of a component, read once for all of its pins: the
+/// hierarchical name of its path and the pin-node key of the instance that path stands for.
+struct FlatScope {
+  std::string hier;
+  std::string parentKey;
+  bool hasParent = false;
+};
+FlatScope FlatScopeOf(const Tessel::IComp& comp);
+/// FlatNetName with the component's scope already read.
+std::string FlatNetNameIn(const FlatScope& scope, const Tessel::IteratorT<const Tessel::INet>& net,
+                          const Tessel::IteratorT<const Tessel::IBus>& bus, const PinNodeTable& table);

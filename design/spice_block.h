@@ -58,10 +58,12 @@ class SpiceBlock {
   std::string instancePath;
   Tessel::IUIDManager* uidManager = nullptr;
   std::shared_ptr<PinNodeTable> pinNodes = std::make_shared<PinNodeTable>();
+  Tessel::IteratorT<const Tessel::IComp> compIter;
 
   void ScanShunts(Tessel::ContainerT<const Tessel::IBlock> block);
   void ScanPorts();
   void ScanNets();
+  void ScanNet(const SpiceNet& net, const std::string& rawBlockName);
   void CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath);
 };
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -92,10 +93,21 @@ class SpiceComp {
   void GatherAttributes(const Tessel::IComp& comp);
   void LoadPins(const Tessel::IComp& comp);
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes);
+  void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes, const FlatScope& scope);
   void DecideKind(const Tessel::IComp& comp, const WireOptions& options);
   void FormDeckName(const WireOptions& options);
   void AddPin(const std::string& key, SpiceNet net);
+  void ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets);
+
+ private:
+  // Index of pin keys for components with many pins; built on first use and shared by
+  // copies, whose pin lists are the same.
+  mutable std::shared_ptr<const std::unordered_map<std::string, size_t>> pinIndex_;
+  mutable size_t pinIndexCount_ = 0;  // pinNets.size() when the index was built
 };
+
+/// The internal name "$<group id>I<number>" of a component, or "" when it is in no group.
+std::string ComponentInternalName(const Tessel::IComp& comp, Tessel::IUIDManager* uidManager);
 
 /// "(lib)_TOP" -> "TOP"; other names stay.
 std::string StripBlockPrefix(const std::string& name);

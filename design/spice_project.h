@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "design/spice_block.h"
@@ -32,12 +33,18 @@ class SpiceProject {
   Tessel::TesselPI db;
   SpiceBlock rootBlock;
   std::vector<std::string> visitedBlocks;
+  std::unordered_set<std::string> visitedIndex;  // the names of visitedBlocks, for lookup
   WireOptions options;
   std::string currentInstancePath;
   std::shared_ptr<std::vector<std::string>> skippedBlocks = std::make_shared<std::vector<std::string>>();
+  std::unordered_set<std::string> skippedIndex;  // the names of skippedBlocks, for lookup
   Tessel::IUIDManager* uidManager = nullptr;
   Tessel::IUIDManager uidManagerObject;
   std::vector<SpiceBlock> subBlocks;
+
+ private:
+  void VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance, const std::string& name);
+  void VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence);
 };
 
 /// Rewrites `path` relative to the project folder (CURRENT_PROJECT_PATH or the working

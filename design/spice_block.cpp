@@ -1,0 +1,298 @@
+// SpiceBlock: loading one block: shunts, components, ports and nets into node tables.
+#include "design/spice_block.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <iostream>
+#include <unordered_map>
+
+#include "design/probe_text.h"
+
+std::map<std::string, std::string> globalNets;
+std::unordered_map<std::string, std::string> netDictionary;
+
+namespace {
+
+const std::string kEmpty;
+
+const std::string& Peek(const NodeTable& table, const std::string& key) {
+  auto it = table.find(key);
+  return it == table.end() ? kEmpty : it->second;
+}
+
+bool EqualIgnoringCase(const std::string& a, const char* b) {
+  size_t i = 0;
+  for (; i < a.size() && b[i]; ++i)
+    if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
+      return false;
+  return i == a.size() && !b[i];
+}
+
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+std::string LabelOfFirstNet(const Tessel::IteratorT<const Tessel::IPin>& pin) {
+  Tessel::IteratorT<const Tessel::INet> nets;
+  pin->GetIterNetsConnected(nets);
+  Tessel::String label;
+  nets->GetLabel(label);
+  return label.str();
+}
+
+// Nets joined by shunts, as sets with one representative each. The first pin's set
+// absorbs the second's, so a chain A-B, B-C names all three A.
+class ShuntSets {
+ public:
+  void Join(const std::string& first, const std::string& second) {
+    std::string a = Find(first);
+    std::string b = Find(second);
+    if (a != b) parent_[b] = a;
+  }
+  // Every net that is not its own representative, under the representative's name.
+  void WriteAliases(NetAliasTable& aliases) {
+    for (auto& entry : parent_) {
+      std::string root = Find(entry.first);
+      if (root != entry.first) aliases[entry.first] = root;
+    }
+  }
+
+ private:
+  std::string Find(const std::string& label) {
+    std::string root = label;
+    for (auto it = parent_.find(root); it != parent_.end() && it->second != root; it = parent_.find(root))
+      root = it->second;
+    // Point the whole chain straight at its representative.
+    for (std::string at = label; at != root;) {
+      std::string& up = parent_[at];
+      at = up;
+      up = root;
+    }
+    return root;
+  }
+  std::unordered_map<std::string, std::string> parent_;
+};
+
+// The warnings of a shunt that cannot work as placed; false when it is not two-pin.
+bool CheckShunt(const Tessel::IComp& comp) {
+  int count = 0;
+  comp.GetPinsCount(count);
+  if (count != 2) {
+    std::cout << "Warning: can only place EXCLUDE-SHUNT on two-pin components \n";
+    return false;
+  }
+  Tessel::IteratorT<const Tessel::IPin> pins;
+  comp.GetIterPins(pins);
+  for (; pins->IsValid(); pins++) {
+    int width = 0;
+    bool connected = false;
+    pins->GetWidth(width);
+    pins->IsConnected(connected);
+    if (width > 1) {
+      std::cout << "Warning: cannot place EXCLUDE=SHUNT on a component with bus pins \n";
+      break;
+    }
+    if (!connected) {
+      std::cout << "Warning:a component with EXCLUDE=SHUNT must have nets connected to its pins \n";
+      break;
+    }
+  }
+  return true;
+}
+
+void JoinShunt(const Tessel::IComp& comp, ShuntSets& sets) {
+  if (!CheckShunt(comp)) return;
+  Tessel::IteratorT<const Tessel::IPin> pins;
+  comp.GetIterPins(pins);
+  std::string first = LabelOfFirstNet(pins);
+  pins++;
+  std::string second = LabelOfFirstNet(pins);
+  // A pin without a net has nothing to join.
+  if (first.empty() || second.empty()) return;
+  sets.Join(first, second);
+}
+
+}  // namespace
+
+SpiceBlock::SpiceBlock(const SpiceBlock& other)
+    : name(other.name),
+      ports(other.ports),
+      comps(other.comps),
+      block(other.block),
+      nodeMap(other.nodeMap),
+      probes(other.probes),
+      nodesets(other.nodesets),
+      initialConditions(other.initialConditions),
+      guesses(other.guesses),
+      nextNode(other.nextNode) {}
+
+SpiceBlock& SpiceBlock::operator=(const SpiceBlock& other) {
+  if (this == &other) return *this;
+  name = other.name;
+  ports = other.ports;
+  comps = other.comps;
+  block = other.block;
+  nodeMap = other.nodeMap;
+  probes = other.probes;
+  nodesets = other.nodesets;
+  initialConditions = other.initialConditions;
+  guesses = other.guesses;
+  nextNode = other.nextNode;
+  return *this;
+}
+
+void SpiceBlock::Load(Tessel::ContainerT<const Tessel::IBlock>& blockHandle,
+                      Tessel::ContainerT<const Tessel::IPath>& path, WireOptions blockOptions,
+                      std::string blockInstancePath, bool byPath) {
+  netAliases.clear();
+  block = blockHandle;
+  name.clear();
+  ports.clear();
+  comps.clear();
+  options = std::move(blockOptions);
+  nodeMap.clear();  // the built-in name map is empty; the configuration comes later
+  instancePath = std::move(blockInstancePath);
+  options.usedNames->Clear();
+  if (block.Empty()) return;
+  ScanShunts(block);
+  if (!options.flatten) CollectComponents(path, byPath);
+  ScanPorts();
+  Tessel::String blockName;
+  block->GetName(blockName);
+  name = StripBlockPrefix(blockName.str());
+  ScanNets();
+  nextNode = options.nextNodeNumber;
+}
+
+void SpiceBlock::ScanShunts(Tessel::ContainerT<const Tessel::IBlock> shuntBlock) {
+  Tessel::IteratorT<const Tessel::IComp> it;
+  shuntBlock->GetIterComps(it, Tessel::eCompAll);
+  ShuntSets sets;
+  bool any = false;
+  for (; it->IsValid(); it++) {
+    Tessel::BitContainerT<Tessel::ECompType, 1> type;
+    it->GetType(type);
+    if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
+    Tessel::String exclude;
+    it->GetAttribute("$$NotCommonProperty_EXCLUDE", exclude, Tessel::eAttrInstance);
+    if (!EqualIgnoringCase(exclude.str(), "shunt")) continue;
+    JoinShunt(*it.operator->(), sets);
+    any = true;
+  }
+  if (any) sets.WriteAliases(netAliases);
+}
+
+void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath) {
+  if (byPath && !path.Empty())
+    path->GetIterComps(compIter);
+  else
+    block->GetIterComps(compIter, Tessel::eCompAll);
+  for (; compIter->IsValid(); compIter++) {
+    Tessel::BitContainerT<Tessel::ECompType, 1> type;
+    compIter->GetType(type);
+    if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
+    SpiceComp comp;
+    comp.uidManager = uidManager;
+    comp.Load(compIter, options, instancePath);
+    comps.push_back(std::move(comp));
+  }
+}
+
+void SpiceBlock::ScanPorts() {
+  Tessel::IteratorT<const Tessel::IPort> it;
+  block->GetIterPorts(it);
+  for (; it->IsValid(); it++) {
+    SpiceNet port(it);
+    if (port.IsConnected()) {
+      for (const SpiceNet& member : port.Members()) NodeName(options, member.name, nodeMap);
+    } else if (!port.Signal().empty()) {
+      NodeName(options, port.Signal(), nodeMap);
+    } else {
+      // An open port gets a node of its own, under the names 1, 3, 5, ...
+      ++nextNode;
+      std::string own = std::to_string(nextNode);
+      ++nextNode;
+      NodeName(options, own, nodeMap);
+    }
+  }
+}
+
+void SpiceBlock::ScanNets() {
+  Tessel::String rawName;
+  block->GetName(rawName);
+  Tessel::IteratorT<const Tessel::INet> it;
+  block->GetIterNets(it);
+  for (; it->IsValid(); it++) {
+    SpiceNet net(it, false);
+    net.uidManager = uidManager;
+    net.FormInternalName(it);
+    ScanNet(net, rawName.str());
+  }
+}
+
+void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
+  std::string n = net.name;
+  const std::string& lb = net.label;
+  const auto& attributes = net.NetAttributes();
+  auto attribute = [&attributes](const char* key) -> const std::string& {
+    auto it = attributes.find(key);
+    return it == attributes.end() ? kEmpty : it->second;
+  };
+  const std::string& node = attribute("NODE");
+  if (lb.compare(0, 3, "GND") == 0) nodeMap[lb] = "0";
+  if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
+    nodeMap[n] = LegalizeName(options, node);
+  int32_t kind = options.wirelistKind;
+  if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
+    if (kind == kPspice && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
+    if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
+  }
+  netDictionary[rawBlockName + "/" + Lower(Peek(nodeMap, n))] = net.InternalName();
+
+  const std::string& probe = attribute("PROBE");
+  if (!probe.empty()) probes.emplace(ProbeExpression(options, probe, NodeName(options, n, nodeMap)), false);
+  auto keepFirst = [&n](std::map<std::string, std::string>& table, const std::string& value) {
+    if (value.empty()) return;
+    std::string& slot = table[n];
+    if (slot.empty()) slot = value;
+  };
+  keepFirst(nodesets, attribute("NODESET"));
+  keepFirst(initialConditions, attribute("IC"));
+  keepFirst(guesses, attribute("GUESS"));
+  if (net.isGlobal) {
+    std::string& global = globalNets[lb];
+    if (global.empty()) global = Peek(nodeMap, n);
+  }
+}
+
+void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp) {
+  const Tessel::IComp& instance = *comp.operator->();
+  FlatScope scope = FlatScopeOf(instance);
+  std::string pinsText;
+  Tessel::IteratorT<const Tessel::IPin> pins;
+  instance.GetIterPins(pins);
+  for (; pins->IsValid(); pins++) {
+    bool connected = false;
+    Tessel::String pinName;
+    pins->IsConnected(connected);
+    pins->GetName(pinName);
+    pinsText += pinName.str();
+    pinsText += ',';
+    if (connected) {
+      Tessel::IteratorT<const Tessel::INet> nets;
+      Tessel::IteratorT<const Tessel::IBus> buses;
+      pins->GetIterNetsConnected(nets);
+      pins->GetIterBusesConnected(buses);
+      pinsText += FlatNetNameIn(scope, nets, buses, *pinNodes);
+    }
+    pinsText += ';';
+  }
+  (*pinNodes)[PinNodeKey(instance)] += pinsText;
+}
+
+void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
+  SpiceComp flat;
+  flat.LoadFlat(comp, options, *pinNodes);
+  comps.push_back(std::move(flat));
+}

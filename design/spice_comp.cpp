@@ -1,0 +1,388 @@
+// SpiceComp: loading one placed component: attributes, kind, deck name and pins.
+#include "design/spice_comp.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+const std::string kEmpty;
+const ModelData kNoModel;
+ModelMapper installedMapper = nullptr;
+
+// Beyond this many bits a bus pin's range is taken as bad input and cut.
+constexpr int kMaxBusBits = 65536;
+// From this many pins on, FindPin uses a hash index instead of a scan.
+constexpr size_t kIndexedPins = 16;
+
+std::string Upper(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return text;
+}
+
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+bool EqualIgnoringCase(const std::string& a, const char* b) {
+  return a.size() == std::strlen(b) && Upper(a) == Upper(b);
+}
+
+bool StartsWith(const std::string& text, const char* head) {
+  return text.compare(0, std::strlen(head), head) == 0;
+}
+
+// The text between two positions, empty when they are out of order.
+std::string Between(const std::string& text, size_t from, size_t to) {
+  return to > from ? text.substr(from, to - from) : std::string();
+}
+
+bool IsBareExempt(const std::string& key) {
+  return key == "PART NUMBER" || key == "REF DESIGNATOR" || key == "GENERATOR";
+}
+
+}  // namespace
+
+// ---- AttributeTable ----
+
+const std::string& AttributeTable::Get(const std::string& upperKey) const {
+  auto it = std::lower_bound(
+      entries_.begin(), entries_.end(), upperKey,
+      [](const std::pair<std::string, std::string>& e, const std::string& k) { return e.first < k; });
+  return it != entries_.end() && it->first == upperKey ? it->second : kEmpty;
+}
+
+void AttributeTable::Set(const std::string& upperKey, const std::string& value) {
+  auto it = std::lower_bound(
+      entries_.begin(), entries_.end(), upperKey,
+      [](const std::pair<std::string, std::string>& e, const std::string& k) { return e.first < k; });
+  if (it != entries_.end() && it->first == upperKey)
+    it->second = value;
+  else
+    entries_.emplace(it, upperKey, value);
+}
+
+void AttributeTable::SetIfEmpty(const std::string& upperKey, const std::string& value) {
+  if (Get(upperKey).empty()) Set(upperKey, value);
+}
+
+// ---- model mapper ----
+
+void SetModelMapper(ModelMapper mapper) { installedMapper = mapper; }
+ModelMapper GetModelMapper() { return installedMapper; }
+
+// ---- small readers ----
+
+std::string StripBlockPrefix(const std::string& name) {
+  if (name.empty() || name[0] != '(') return name;
+  size_t close = name.find(')');
+  if (close == std::string::npos || close + 1 >= name.size() || name[close + 1] != '_') return name;
+  return name.substr(close + 2);
+}
+
+std::string SpiceComp::Attribute(const std::string& key) const { return attrs.Get(Upper(key)); }
+
+std::vector<std::string> SpiceComp::BareAttributes() const {
+  std::vector<std::string> keys = bareKeys;
+  std::sort(keys.begin(), keys.end());
+  keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+  return keys;
+}
+
+std::string SpiceComp::QualifiedName() const {
+  return partitionName.empty() ? name : partitionName + ":" + name;
+}
+
+bool SpiceComp::IsHdlModel() const {
+  std::string model = attrs.Get("SIMULATION MODEL");
+  if (model.empty()) model = attrs.Get("SIMMODEL");
+  const std::string& prefix = attrs.Get("PREFIX");
+  if (EqualIgnoringCase(prefix, "Y") || EqualIgnoringCase(prefix, "Y?")) return true;
+  return EqualIgnoringCase(model, "VHDL") || EqualIgnoringCase(model, "VHDL-AMS") ||
+         EqualIgnoringCase(model, "verilog") || EqualIgnoringCase(model, "veriloga");
+}
+
+const ModelData& SpiceComp::Model() const { return model ? *model : kNoModel; }
+
+ModelData& SpiceComp::MutableModel() {
+  if (!model) model = std::make_shared<ModelData>();
+  return *model;
+}
+
+const std::string& SpiceComp::ModelPinList() const { return model ? model->modelPinList : kEmpty; }
+
+const SpiceNet* SpiceComp::FindPin(const std::string& key) const {
+  if (pinNets.size() < kIndexedPins) {
+    for (auto it = pinNets.rbegin(); it != pinNets.rend(); ++it)
+      if (it->key == key) return &it->net;
+    return nullptr;
+  }
+  if (!pinIndex_ || pinIndexCount_ != pinNets.size()) {
+    auto index = std::make_shared<std::unordered_map<std::string, size_t>>();
+    for (size_t i = 0; i < pinNets.size(); ++i) (*index)[pinNets[i].key] = i;  // the last one wins
+    pinIndex_ = index;
+    pinIndexCount_ = pinNets.size();
+  }
+  auto found = pinIndex_->find(key);
+  return found == pinIndex_->end() ? nullptr : &pinNets[found->second].net;
+}
+
+// ---- attributes ----
+
+void SpiceComp::GatherAttributes(const Tessel::IComp& comp) {
+  Tessel::ListAttribute list;
+  comp.GetAttributes(list);
+  for (const Tessel::Attribute& entry : list.items) {
+    hasAttributes = true;
+    std::string key = entry.name.str();
+    if (StartsWith(key, "$$NotCommonProperty")) key = key.size() > 20 ? key.substr(20) : std::string();
+    key = Upper(std::move(key));
+    const std::string& value = entry.value.str();
+    if (entry.level == Tessel::eAttrDefinition) {
+      attrs.SetIfEmpty(key, value);
+      continue;
+    }
+    attrs.Set(key, value);
+    if (value.empty() && !IsBareExempt(key)) bareKeys.push_back(key);
+  }
+}
+
+std::string ComponentInternalName(const Tessel::IComp& comp, Tessel::IUIDManager* uidManager) {
+  Tessel::ListT<Tessel::GroupInfo> groups;
+  comp.GetListGroups(groups, Tessel::eGroupInternal);
+  if (groups.IsEmpty() || !uidManager) return "";
+  Tessel::ContainerT<const Tessel::IGroup> group;
+  uidManager->GetGroup(group, *groups.GetIterator().operator->());
+  Tessel::ContainerT<const Tessel::IBlock> parent;
+  comp.GetParentBlock(parent);
+  if (group.Empty() || parent.Empty()) return "";
+  Tessel::ContainerT<const Tessel::IBlockViewQor> view;
+  Tessel::IBlockViewQor::Init(view, *parent, *group);
+  Tessel::Index index;
+  comp.GetInstanceIndex(index);
+  Tessel::ContainerT<const Tessel::IComp> again;
+  parent->GetComp(again, index);
+  Tessel::CompDataQor data;
+  if (!view.Empty() && !again.Empty()) view->GetCompData(*again, data);
+  Tessel::String id;
+  group->GetAttribute("$$Internal_ID", id);
+  return "$" + id.str() + "I" + std::to_string(data.number);
+}
+
+// ---- kind and deck name ----
+
+void SpiceComp::DecideKind(const Tessel::IComp& comp, const WireOptions& options) {
+  Tessel::BitContainerT<Tessel::ECompType, 1> type;
+  comp.GetType(type);
+  if (type & Tessel::eCompHierarchical) {
+    if (options.HasLevel(attrs.Get("LEVEL"))) {
+      kind = 3;
+      return;
+    }
+    kind = 2;
+    Tessel::ContainerT<const Tessel::IBlock> child;
+    comp.GetChildBlock(child);
+    Tessel::String childName;
+    if (!child.Empty()) child->GetName(childName);
+    childBlockName = StripBlockPrefix(childName.str());
+    return;
+  }
+  kind = (type & Tessel::eCompPrimitive) ? 1 : 0;
+}
+
+namespace {
+
+// The prefix of the deck name, by -y, PREFIX and the kind; false when the component gets
+// no name at all (a stopped instance without a prefix).
+bool ChoosePrefix(const SpiceComp& comp, const WireOptions& options, std::string& prefix) {
+  prefix = comp.attrs.Get("PREFIX");
+  std::string alternative = options.firstPrefix.empty() ? prefix : comp.attrs.Get(Upper(options.firstPrefix));
+  if ((comp.kind == 1 || comp.kind == 3) && !alternative.empty()) {
+    prefix = alternative;
+    return true;
+  }
+  if (!prefix.empty() && prefix != " ") return true;
+  if (options.wirelistKind == kKelpo && comp.IsHdlModel()) {
+    prefix = "Y";
+    return true;
+  }
+  if (comp.kind == 2) {
+    prefix = "X";
+    return true;
+  }
+  return comp.kind != 3;
+}
+
+}  // namespace
+
+void SpiceComp::FormDeckName(const WireOptions& options) {
+  std::string prefix;
+  if (!ChoosePrefix(*this, options, prefix)) {
+    refName.clear();
+    return;
+  }
+  std::string designator = attrs.Get("REF DESIGNATOR");
+  if (designator.empty()) designator = attrs.Get("REFDES");
+
+  std::string text = label;
+  // An automatic label gives way to a designator, unless that is a mere "U?".
+  size_t question = designator.find('?');
+  if (label.find('$') != std::string::npos && !designator.empty() && designator != " " &&
+      question != designator.size() - 1)
+    text = designator;
+  std::string lowerPrefix = Lower(prefix);
+  if (Lower(label).compare(0, lowerPrefix.size(), lowerPrefix) != 0)
+    text = options.flatten ? prefix + "\\" + text : prefix + text;
+  text.erase(std::remove(text.begin(), text.end(), '$'), text.end());
+  if (options.flatten && !hierName.empty())
+    text = text.substr(0, 1) + "\\" + hierName + "\\" + text.substr(std::min<size_t>(1, text.size()));
+  refName = UniqueName(*options.usedNames, LegalizeName(options, text));
+}
+
+// ---- pins ----
+
+void SpiceComp::AddPin(const std::string& key, SpiceNet net) {
+  pinNets.push_back(PinEntry{key, std::move(net)});
+}
+
+void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets) {
+  size_t open = pinName.find('[');
+  size_t close = pinName.find(']');
+  size_t colon = pinName.find(':');
+  if (open == std::string::npos || close == std::string::npos || close == 0 || colon == std::string::npos ||
+      colon == 0)
+    return;
+  std::string base = pinName.substr(0, open);
+  int firstBitNumber = std::atoi(Between(pinName, open + 1, colon).c_str());
+  int lastBitNumber = std::atoi(Between(pinName, colon + 1, close).c_str());
+  int step = lastBitNumber > firstBitNumber ? 1 : -1;
+  for (int bit = firstBitNumber, count = 0; count < kMaxBusBits; bit += step, ++count) {
+    SpiceNet entry(nets, false, false);
+    entry.busBit = true;
+    entry.firstBit = bit == firstBitNumber;
+    entry.lastBit = bit == lastBitNumber && bit != firstBitNumber;
+    AddPin(base + "[" + std::to_string(bit) + "]", std::move(entry));
+    nets++;
+    if (bit == lastBitNumber) break;
+  }
+}
+
+void SpiceComp::LoadPins(const Tessel::IComp& comp) {
+  comp.GetPinsCount(pinCount);
+  bool hdl = IsHdlModel();
+  const std::string& modelPins = ModelPinList();
+  Tessel::IteratorT<const Tessel::IPin> pins;
+  comp.GetIterPins(pins);
+  for (; pins->IsValid(); pins++) {
+    int width = 0;
+    bool isConnected = false;
+    Tessel::String pinName;
+    pins->GetWidth(width);
+    pins->IsConnected(isConnected);
+    pins->GetName(pinName);
+    const std::string& key = pinName.str();
+    if (!isConnected) {
+      SpiceNet open;
+      open.connected = false;
+      AddPin(key, std::move(open));
+      continue;
+    }
+    Tessel::IteratorT<const Tessel::INet> nets;
+    Tessel::IteratorT<const Tessel::IBus> buses;
+    pins->GetIterNetsConnected(nets);
+    pins->GetIterBusesConnected(buses);
+    if (width > 1 && !modelPins.empty() && modelPins.find(key) == std::string::npos)
+      ExpandBusPin(key, nets);
+    else if (hdl)
+      AddPin(key, SpiceNet(nets, true, false));
+    else if (width > 1 && buses.IsValid())
+      AddPin(key, SpiceNet(buses));
+    else
+      AddPin(key, SpiceNet(nets, false, false));
+  }
+}
+
+void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes) {
+  LoadPinsFlat(comp, pinNodes, FlatScopeOf(comp));
+}
+
+void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes,
+                             const FlatScope& scope) {
+  Tessel::IteratorT<const Tessel::IPin> pins;
+  comp.GetIterPins(pins);
+  for (; pins->IsValid(); pins++) {
+    bool isConnected = false;
+    Tessel::String pinName;
+    pins->IsConnected(isConnected);
+    pins->GetName(pinName);
+    SpiceNet entry;
+    if (!isConnected) {
+      entry.connected = false;
+      AddPin(pinName.str(), std::move(entry));
+      continue;
+    }
+    Tessel::IteratorT<const Tessel::INet> nets;
+    Tessel::IteratorT<const Tessel::IBus> buses;
+    pins->GetIterNetsConnected(nets);
+    pins->GetIterBusesConnected(buses);
+    // The entry's own net name would be replaced at once: only label and flag are kept.
+    if (!buses.IsValid()) {
+      Tessel::String netLabel;
+      nets->GetLabel(netLabel);
+      entry.label = netLabel.str();
+      nets->IsGlobal(entry.isGlobal);
+    }
+    entry.name = FlatNetNameIn(scope, nets, buses, pinNodes);
+    AddPin(pinName.str(), std::move(entry));
+  }
+}
+
+// ---- the two loads ----
+
+void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
+                     const std::string& blockPath) {
+  const Tessel::IComp& comp = *compIter.operator->();
+  attrs = AttributeTable();
+  pinNets.clear();
+  Tessel::String text;
+  comp.GetName(text);
+  name = text.str();
+  text = "";
+  comp.GetPartitionName(text);
+  partitionName = text.str();
+  internalName = ComponentInternalName(comp, uidManager);
+  instancePath = blockPath.empty() ? internalName : blockPath + "\\" + internalName;
+  text = "";
+  comp.GetLabel(text);
+  label = text.str();
+  GatherAttributes(comp);
+
+  std::string exclude = attrs.Get("EXCLUDE");
+  if (EqualIgnoringCase(exclude, "yes") || EqualIgnoringCase(exclude, "shunt")) {
+    excluded = true;
+    return;
+  }
+  if (options.wirelistKind == kKelpo && installedMapper) installedMapper(*this);
+  LoadPins(comp);
+  DecideKind(comp, options);
+  FormDeckName(options);
+}
+
+void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
+                         const PinNodeTable& pinNodes) {
+  const Tessel::IComp& comp = *compIter.operator->();
+  attrs = AttributeTable();
+  pinNets.clear();
+  FlatScope scope = FlatScopeOf(comp);
+  hierName = scope.hier;
+  Tessel::String text;
+  comp.GetLabel(text);
+  label = text.str();
+  GatherAttributes(comp);
+  LoadPinsFlat(comp, pinNodes, scope);
+  DecideKind(comp, options);
+  FormDeckName(options);
+}

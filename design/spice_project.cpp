@@ -1,0 +1,235 @@
+// SpiceProject: opening the database, finding the root block, and the two walks.
+#include "design/spice_project.h"
+
+#include <unistd.h>
+
+#include <cctype>
+#include <iostream>
+
+#include "design/platform.h"
+
+namespace {
+
+std::string Upper(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return text;
+}
+
+bool EqualIgnoringCase(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && Upper(a) == Upper(b);
+}
+
+void ReplaceAll(std::string& text, char from, char to) {
+  for (char& c : text)
+    if (c == from) c = to;
+}
+
+// An instance's LEVEL, at instance level first, in either spelling of the key.
+std::string ReadLevel(const Tessel::IComp& comp) {
+  const Tessel::EAttributeType levels[] = {Tessel::eAttrInstance, Tessel::eAttrDefinition};
+  for (Tessel::EAttributeType level : levels) {
+    for (const char* key : {"Level", "LEVEL"}) {
+      Tessel::String value;
+      comp.GetAttribute(key, value, level);
+      if (!value.IsEmpty()) return value.str();
+    }
+  }
+  return "";
+}
+
+std::string NameOf(const Tessel::ContainerT<const Tessel::IBlock>& block) {
+  Tessel::String name;
+  if (!block.Empty()) block->GetName(name);
+  return name.str();
+}
+
+std::string ParentBlockName(const Tessel::IComp& comp) {
+  Tessel::ContainerT<const Tessel::IBlock> parent;
+  comp.GetParentBlock(parent);
+  return NameOf(parent);
+}
+
+std::string WorkingFolder() {
+  std::string folder(4096, '\0');
+  if (!::getcwd(&folder[0], folder.size())) return "";
+  folder.resize(folder.find('\0'));
+  return folder;
+}
+
+// The path of a config whose hierarchical name ("A!B") is `subPath`; `block` follows
+// the paths walked, so that a missing sub-path leaves the last one.
+bool FindSubPath(Tessel::IUIDManager* uidManager, Tessel::ContainerT<const Tessel::IBlock>& block,
+                 const std::string& subPath, Tessel::ContainerT<const Tessel::IPath>& path) {
+  if (block.Empty() || !uidManager) return false;
+  Tessel::Index configIndex;
+  block->GetDefaultConfigIndex(configIndex);
+  Tessel::ContainerT<const Tessel::IConfig> config;
+  uidManager->GetConfig(config, configIndex);
+  if (config.Empty()) return false;
+  Tessel::IteratorT<const Tessel::IPath> paths;
+  config->GetIterPaths(paths);
+  for (; paths->IsValid(); paths++) {
+    Tessel::Index index;
+    paths->GetIndex(index);
+    config->GetPath(path, index);
+    if (path.Empty()) continue;
+    path->GetBlock(block);
+    Tessel::String hierName;
+    path->GetHierarchicalName(hierName, '!');
+    if (hierName.str() == subPath) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+SpiceProject::SpiceProject() = default;
+
+SpiceProject::SpiceProject(const SpiceProject& other)
+    : databaseName(other.databaseName), rootBlock(other.rootBlock), subBlocks(other.subBlocks) {}
+
+bool SpiceProject::Open(std::string location) {
+  databaseName = std::move(location);
+  projectData.location = "database";
+  projectData.flag = 0;
+  projectData.clientName = "QorSimNetlister";
+  db.OpenTessel(projectData);
+  Tessel::Result result = db.GetSnapshotByName(snapshot, "Qor");
+  if (!snapshot.Empty()) snapshot->GetUIDManager(uidManagerObject);
+  uidManager = &uidManagerObject;
+  if (!result) {
+    std::cout << "Couldn't Open TESSEL DataBase"
+              << "\n"
+              << result.GetDescription(false) << "\n";
+  }
+  return result.success != 0;
+}
+
+void SpiceProject::SetOptions(WireOptions newOptions) { options = std::move(newOptions); }
+
+SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
+                                   std::string& rootPath) {
+  std::string path = rootPath;
+  ReplaceAll(path, '/', '\\');
+  size_t last = path.rfind('\\');
+  std::string leaf = last == std::string::npos ? path : path.substr(last + 1);
+  if (EqualIgnoringCase(leaf, group)) path = last == std::string::npos ? "" : path.substr(0, last);
+  size_t first = path.find('\\');
+  std::string head = first == std::string::npos ? "" : path.substr(0, first);
+  std::string tail = first == std::string::npos ? path : path.substr(first + 1);
+  ReplaceAll(tail, '\\', '!');
+
+  Tessel::ListT<Tessel::BlockInfo> hits;
+  Tessel::Result found = Tessel::Result::Fail("not open");
+  if (!snapshot.Empty()) found = snapshot->FindBlock(hits, head.empty() ? group : head, Tessel::eSearchPlain);
+  if (!found || hits.IsEmpty()) {
+    // Reported once where the lookup fails and once more where the failure is caught.
+    std::cout << "Testbench does not exist \n";
+    std::cout << "Testbench does not exist \n";
+    return rootBlock;
+  }
+  snapshot->GetBlock(block, hits.GetIterator()->index);
+
+  Tessel::ContainerT<const Tessel::IPath> rootOccurrence;
+  bool byPath = !tail.empty() && FindSubPath(uidManager, block, tail, rootOccurrence);
+  rootBlock.uidManager = uidManager;
+  rootBlock.Load(block, rootOccurrence, options, "", byPath);
+  return rootBlock;
+}
+
+void SpiceProject::WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name) {
+  if (block.Empty()) return;
+  Tessel::IteratorT<const Tessel::IComp> it;
+  block->GetIterComps(it, Tessel::eCompHierarchical);
+  for (; it->IsValid(); it++) VisitInstance(it, name);
+}
+
+void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance,
+                                 const std::string& name) {
+  const Tessel::IComp& comp = *instance.operator->();
+  std::string parentName = ParentBlockName(comp);
+  if (options.HasLevel(ReadLevel(comp))) return;
+  if (!EqualIgnoringCase(name, parentName)) return;
+  Tessel::ContainerT<const Tessel::IBlock> child;
+  comp.GetChildBlock(child);
+  std::string childName = NameOf(child);
+
+  // The path holds the chain from the root to this instance while its block is loaded.
+  size_t pathLength = currentInstancePath.size();
+  if (!currentInstancePath.empty()) currentInstancePath += "\\";
+  currentInstancePath += ComponentInternalName(comp, uidManager);
+  if (visitedIndex.insert(childName).second) {
+    visitedBlocks.push_back(childName);
+    SpiceBlock definition;
+    definition.uidManager = uidManager;
+    Tessel::ContainerT<const Tessel::IPath> noPath;
+    definition.Load(child, noPath, options, currentInstancePath, false);
+    WalkHierarchy(child, childName);
+    Tessel::IteratorT<const Tessel::IPin> pins;
+    comp.GetIterPins(pins);
+    for (; pins->IsValid(); pins++) definition.ports.emplace_back(pins);
+    subBlocks.push_back(std::move(definition));
+  }
+  currentInstancePath.resize(pathLength);
+}
+
+void SpiceProject::WalkFlat(Tessel::ContainerT<const Tessel::IBlock>, std::string name) {
+  if (snapshot.Empty()) return;
+  Tessel::ContainerT<const Tessel::IConfig> config;
+  snapshot->GetDefaultConfig(config, name);
+  if (config.Empty()) return;
+  Tessel::IteratorT<const Tessel::IComp> it;
+  config->GetIterComps(it);
+  for (; it->IsValid(); it++) VisitOccurrence(it);
+}
+
+void SpiceProject::VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence) {
+  const Tessel::IComp& comp = *occurrence.operator->();
+  Tessel::BitContainerT<Tessel::ECompType, 1> type;
+  comp.GetType(type);
+  if (!skippedIndex.empty() && skippedIndex.count(ParentBlockName(comp))) return;
+  if (type & Tessel::eCompHierarchical) {
+    if (options.HasLevel(ReadLevel(comp))) {
+      // A stopped instance leaves out its block's contents wherever they occur.
+      Tessel::ContainerT<const Tessel::IBlock> child;
+      comp.GetChildBlock(child);
+      std::string childName = NameOf(child);
+      if (skippedIndex.insert(childName).second) skippedBlocks->push_back(childName);
+      return;
+    }
+    rootBlock.AddFlatInstance(occurrence);
+    return;
+  }
+  if (type & Tessel::eCompPrimitive) rootBlock.AddFlatComp(occurrence);
+}
+
+void MakeRelativeToProject(std::string& path) {
+  std::string folder = GetEnv("CURRENT_PROJECT_PATH");
+  if (folder.empty()) folder = WorkingFolder();
+  std::string spelled = path;
+  ReplaceAll(spelled, '/', '\\');
+  ReplaceAll(folder, '/', '\\');
+  while (!folder.empty() && (folder.back() == '\\' || folder.back() == '/')) folder.pop_back();
+  if (Upper(spelled).compare(0, folder.size(), Upper(folder)) != 0) return;
+  path = "." + spelled.substr(folder.size());
+}
+
+std::string ExpandEnvironmentInPath(std::string path) {
+  // Room for 259 characters and the end mark, as the expansion buffer had.
+  const size_t kRoom = 259;
+  std::string work = path;
+  size_t from = 0;
+  for (size_t dollar; (dollar = work.find('$', from)) != std::string::npos;) {
+    size_t close = work.find('}', dollar);
+    if (close == std::string::npos) return path;
+    std::string variable;
+    for (size_t i = dollar; i <= close; ++i)
+      if (work[i] != '$' && work[i] != '{' && work[i] != '}') variable += work[i];
+    std::string expansion = ExpandPercentEnvironment("%" + variable + "%");
+    if (expansion.size() > kRoom) expansion.resize(kRoom);
+    work = work.substr(0, dollar) + expansion + work.substr(close + 1);
+    // Go on behind the expansion: a value that holds "$" is not expanded again.
+    from = dollar + expansion.size();
+  }
+  return work;
+}

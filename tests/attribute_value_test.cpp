@@ -1,0 +1,93 @@
+// Attribute values as the component lines get them: evaluation, units, references, braces.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "gen/spice_gen.h"
+
+namespace {
+
+class AttributeValueTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    comp_.hasAttributes = true;
+    gen_.wirelistKind = kPspice;
+  }
+  std::string Value(const std::string& param, const std::string& value) {
+    return gen_.EvaluateAttributeValue(comp_, param, value);
+  }
+  CSpiceGen gen_;
+  SpiceComp comp_;
+};
+
+TEST_F(AttributeValueTest, NumbersComeOutInEngineeringNotation) {
+  EXPECT_EQ(Value("VALUE", "1000"), "1000.000000");
+  EXPECT_EQ(Value("VALUE", "1000.5"), "1.000500K");
+  EXPECT_EQ(Value("VALUE", "1"), "1.000000");
+  EXPECT_EQ(Value("VALUE", "0.5"), "500.000000M");
+  EXPECT_EQ(Value("VALUE", ".5"), "500.000000M");
+  EXPECT_EQ(Value("VALUE", "1U"), "1000.000000N");
+  EXPECT_EQ(Value("VALUE", "0"), "0.000000F");
+  EXPECT_EQ(Value("VALUE", "-5"), "-5000000000000000.000000F");
+  EXPECT_EQ(Value("VALUE", "10K"), "10.000000K");
+  EXPECT_EQ(Value("VALUE", "2MEG"), "2.000000MEG");
+  EXPECT_EQ(Value("VALUE", "2*1K"), "2.000000K");
+  EXPECT_EQ(Value("VALUE", "1K*2"), "1K*2");  // a suffix works only in the last operand
+}
+
+TEST_F(AttributeValueTest, TextThatIsNoNumberStays) {
+  EXPECT_EQ(Value("VALUE", "ABC"), "ABC");
+  EXPECT_EQ(Value("VALUE", "1K + 2"), "1K + 2");
+  EXPECT_EQ(Value("VALUE", "(1+2)"), "(1+2)");  // only a number-like start is evaluated
+  EXPECT_EQ(Value("VALUE", "1E3"), "1E3");
+  EXPECT_EQ(Value("VALUE", ""), "");
+  EXPECT_EQ(Value("VALUE", " "), " ");
+  EXPECT_EQ(Value("MODEL", "NMOS"), "NMOS");
+}
+
+TEST_F(AttributeValueTest, UnitLetterOfTheParameter) {
+  EXPECT_EQ(Value("L", "10"), "10.000000U");
+  EXPECT_EQ(Value("W", "2U"), "2.000000U");
+  EXPECT_EQ(Value("AS", "3"), "3.000000P");
+  EXPECT_EQ(Value("R", "10"), "10.000000");
+  gen_.stripUnits = true;
+  EXPECT_EQ(Value("L", "10U"), "10.000000");
+}
+
+TEST_F(AttributeValueTest, ReferencesAreReplacedAndEvaluated) {
+  comp_.attrs.Set("@A", "3");
+  comp_.attrs.Set("@B", "4");
+  EXPECT_EQ(Value("VALUE", "@A*2"), "6.000000");
+  EXPECT_EQ(Value("VALUE", "@a*2"), "6.000000");
+  EXPECT_EQ(Value("VALUE", "'@A'*2"), "@A'*2");
+  // The quotes go only after the references are replaced, so a quote sticks to its word.
+  EXPECT_EQ(Value("VALUE", "'@A*2'"), "{@A*2}");
+  EXPECT_EQ(Value("VALUE", "@A + @B"), "7.000000");
+  EXPECT_EQ(Value("L", "@A"), "3.000000U");
+}
+
+TEST_F(AttributeValueTest, UnresolvedExpressionsAreBracedForPspice) {
+  EXPECT_EQ(Value("VALUE", "@A*2"), "{@A*2}");
+  EXPECT_EQ(Value("VALUE", "'@A*2'"), "{@A*2}");
+  EXPECT_EQ(Value("VALUE", "@A"), "@A");  // a word, not arithmetic
+  EXPECT_EQ(Value("VALUE", "'@A'"), "@A");
+  EXPECT_EQ(Value("VALUE", "''@''"), "@");
+  comp_.attrs.Set("@Q", "{X}");
+  EXPECT_EQ(Value("VALUE", "@Q*2"), "{X}*2");  // already braced text is left alone
+}
+
+TEST_F(AttributeValueTest, NoBracesForHspiceOrHdlSources) {
+  gen_.wirelistKind = kHspice;
+  EXPECT_EQ(Value("VALUE", "@A*2"), "@A*2");
+  gen_.wirelistKind = kKelpo;
+  EXPECT_EQ(Value("VALUE", "@A*2"), "{@A*2}");
+  gen_.hdlSpiceSources = 1;
+  EXPECT_EQ(Value("VALUE", "@A*2"), "@A*2");
+}
+
+TEST_F(AttributeValueTest, QuotesOnlyGiveNoValue) {
+  EXPECT_EQ(Value("VALUE", "'@'"), "@");
+  EXPECT_EQ(Value("VALUE", "@ '"), "@ ");
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+// The program's entry: options, the chosen generator, the design, the deck and its two passes.
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "design/spice_project.h"
+#include "gen/flavours.h"
+#include "gen/spice_gen.h"
+#include "model/kelpo_gen.h"
+#include "model/model_mapping.h"
+
+namespace {
+
+// One run of the flavour `Flavour`; returns the exit code.
+template <class Flavour>
+int RunFlavour(const CSpiceGen& options, const std::string& group) {
+  Flavour gen(options);
+  SpiceProject project;
+  gen.SetDatabaseName(group);
+  if (!gen.LoadProject(group, project, options)) return 0;
+  if (gen.ReadConfigFile() != 0) return 1;
+  gen.OpenCrossReference(group);
+  {
+    SpiceProject copy(project);
+    gen.Run(copy);
+  }
+  gen.ProbeProcess();
+  gen.PostProcess();
+  return 0;
+}
+
+int RunAll(int argc, const char* const* argv) {
+  CSpiceGen options;
+  if (CSpiceGen::CheckHelp(argc, argv) == 1) return 0;
+  const char* groupArgument = nullptr;
+  options.ParseArguments(&groupArgument, argc, argv);
+  if (!groupArgument) {
+    std::cout << "Database Required" << std::endl;
+    return 0;
+  }
+  std::string group = groupArgument;
+  switch (options.wirelistKind) {
+    case kKelpo:
+      return RunFlavour<CKelpoSpiceGen>(options, group);
+    case kPspice:
+      return RunFlavour<PspiceGen>(options, group);
+    case kHspice:
+      return RunFlavour<HspiceGen>(options, group);
+    case kBerkeley:
+      return RunFlavour<GSpiceGen>(options, group);
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    InstallModelMapper();
+    int code = RunAll(argc, argv);
+    std::cout.flush();
+    return code;
+  } catch (const std::exception& error) {
+    std::cout << "Error: " << error.what() << std::endl;
+  } catch (...) {
+    std::cout << "Error: unexpected internal failure" << std::endl;
+  }
+  return 1;
+}

@@ -2,6 +2,7 @@
 #include "post/print_statements.h"
 
 #include <algorithm>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -85,14 +86,24 @@ class ScopeChain {
     const ProbeScope* head = any;
     while (head->prev) head = head->prev;
     for (const ProbeScope* s = head; s; s = s->next) {
-      position_[s] = records_.size();
-      byName_[s->name].push_back(records_.size());
+      if (s == any) start_ = records_.size();
+      if (s->name.empty()) {
+        topLevel_.push_back(records_.size());
+        topLevelProbes_ += s->probes.size();
+        topLevelInstances_ += s->instances.size();
+      } else {
+        byName_[s->name].push_back(records_.size());
+      }
       records_.push_back(s);
     }
   }
-  size_t Size() const { return records_.size(); }
   const ProbeScope* At(size_t pos) const { return records_[pos]; }
-  size_t PositionOf(const ProbeScope* scope) const { return position_.at(scope); }
+  /// The position of the scope the chain was made from.
+  size_t Start() const { return start_; }
+  /// The positions of the unnamed (top-level) records, oldest first.
+  const std::vector<size_t>& TopLevel() const { return topLevel_; }
+  size_t TopLevelProbes() const { return topLevelProbes_; }
+  size_t TopLevelInstances() const { return topLevelInstances_; }
 
   /// The position of the newest record at or before `pos` named `name`; false if none.
   bool FindAtOrBefore(size_t pos, const std::string& name, size_t& found) const {
@@ -107,11 +118,14 @@ class ScopeChain {
 
  private:
   std::vector<const ProbeScope*> records_;
-  std::unordered_map<const ProbeScope*, size_t> position_;
+  std::vector<size_t> topLevel_;
+  size_t topLevelProbes_ = 0, topLevelInstances_ = 0;
+  size_t start_ = 0;
   std::unordered_map<std::string, std::vector<size_t>> byName_;
 };
 
-// Walks scopes and instances, writing each probe path once.
+// Walks scopes and instances. The top level may be spread over several stretches of the
+// chain; there each probe and each instance is taken once, so every path is written once.
 class ProbeWalker {
  public:
   ProbeWalker(const ScopeChain& chain, const ProbePassState& state, const PrintSettings& settings,
@@ -120,34 +134,43 @@ class ProbeWalker {
 
   /// Every top-level stretch of the chain, in deck order.
   void WalkTopLevel(const std::string& prefix) {
-    for (size_t pos = 0; pos < chain_.Size(); ++pos)
-      if (chain_.At(pos)->name.empty()) WalkMatched(pos, prefix);
+    TopLevelSeen seen;
+    seen.voltages.reserve(chain_.TopLevelProbes());
+    seen.instances.reserve(chain_.TopLevelInstances());
+    for (size_t pos : chain_.TopLevel()) WalkMatched(pos, prefix, &seen);
   }
 
   /// The nearest stretch at or before `pos` named `wanted`.
   void WalkNamed(size_t pos, const std::string& prefix, const std::string& wanted) {
     size_t found = 0;
-    if (!wanted.empty() && chain_.FindAtOrBefore(pos, wanted, found)) WalkMatched(found, prefix);
+    if (!wanted.empty() && chain_.FindAtOrBefore(pos, wanted, found)) WalkMatched(found, prefix, nullptr);
   }
 
  private:
-  void WalkMatched(size_t pos, const std::string& prefix) {
+  // Keys point into the scopes' own maps, which outlive the walk.
+  struct TopLevelSeen {
+    std::unordered_set<std::string_view> voltages, currents, instances;
+  };
+
+  static bool FirstTime(TopLevelSeen* seen, const std::string& key, const std::string& kind) {
+    if (!seen) return true;
+    return (kind == "c" ? seen->currents : seen->voltages).insert(key).second;
+  }
+
+  void WalkMatched(size_t pos, const std::string& prefix, TopLevelSeen* seen) {
     const ProbeScope& scope = *chain_.At(pos);
-    for (const auto& [key, kind] : scope.probes) {
-      const std::string path = prefix + key;
-      if (written_.insert((kind == "c" ? "I" : "V") + path).second)
-        ProbeStatements(key, kind, path, state_, settings_, text_);
-    }
+    for (const auto& [key, kind] : scope.probes)
+      if (FirstTime(seen, key, kind)) ProbeStatements(key, kind, prefix + key, state_, settings_, text_);
     if (pos == 0) return;
     for (const auto& [instance, target] : scope.instances)
-      WalkNamed(pos - 1, prefix + instance + ".", target);
+      if (!seen || seen->instances.insert(instance).second)
+        WalkNamed(pos - 1, prefix + instance + ".", target);
   }
 
   const ScopeChain& chain_;
   const ProbePassState& state_;
   const PrintSettings& settings_;
   std::string& text_;
-  std::unordered_set<std::string> written_;
 };
 
 }  // namespace
@@ -160,7 +183,7 @@ void WalkProbeScopes(const ProbeScope* scope, const std::string& prefix, const s
   if (wanted.empty())
     walker.WalkTopLevel(prefix);
   else
-    walker.WalkNamed(chain.PositionOf(scope), prefix, wanted);
+    walker.WalkNamed(chain.Start(), prefix, wanted);
 }
 
 void ScopeStatements(const ProbeScope& scope, const std::string& prefix, const ProbePassState& state,

@@ -347,6 +347,22 @@ class TesselPI {
 /// Objects that a finished iterator hands out: every question fails.
 template <class T>
 T* InvalidObject();
+template <>
+const IComp* InvalidObject<const IComp>();
+template <>
+const INet* InvalidObject<const INet>();
+template <>
+const IPin* InvalidObject<const IPin>();
+template <>
+const IPort* InvalidObject<const IPort>();
+template <>
+const IBus* InvalidObject<const IBus>();
+template <>
+const IPath* InvalidObject<const IPath>();
+template <>
+const IBlock* InvalidObject<const IBlock>();
+template <>
+const INetQor* InvalidObject<const INetQor>();
 
 template <class T>
 T* IteratorT<T>::operator->() const {

@@ -1,0 +1,447 @@
+// Builds the compact design from the checked fields of a JSON description.
+#include "design/db/design_builder.h"
+
+namespace vdb {
+
+namespace {
+
+const char* KindList(ItemKind kind) {
+  switch (kind) {
+    case ItemKind::kComponent:
+      return "components";
+    case ItemKind::kNet:
+      return "nets";
+    default:
+      return "ports";
+  }
+}
+
+std::string Indexed(const std::string& at, const char* list, size_t index) {
+  return at + "." + list + "[" + std::to_string(index) + "]";
+}
+
+std::string Field(const std::string& at, const std::string& key) { return at.empty() ? key : at + "." + key; }
+
+std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+}  // namespace
+
+bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
+  error_ = where + ": " + what;
+  return false;
+}
+
+// Field readers: each returns false with the error set when the field has the wrong type.
+// `present` tells whether the field was there at all.
+namespace {
+
+bool ReadTextField(const Json& obj, const char* key, std::string_view& out, bool& present, std::string& what) {
+  auto it = obj.find(key);
+  present = it != obj.end();
+  if (!present) return true;
+  if (!it->is_string()) {
+    what = "expected text";
+    return false;
+  }
+  out = it->get_ref<const std::string&>();
+  return true;
+}
+
+bool ReadIntField(const Json& obj, const char* key, int64_t& out, bool& present, std::string& what) {
+  auto it = obj.find(key);
+  present = it != obj.end();
+  if (!present) return true;
+  if (!it->is_number_integer()) {
+    what = "expected a whole number";
+    return false;
+  }
+  out = it->get<int64_t>();
+  return true;
+}
+
+bool ReadBoolField(const Json& obj, const char* key, bool& out, bool& present, std::string& what) {
+  auto it = obj.find(key);
+  present = it != obj.end();
+  if (!present) return true;
+  if (!it->is_boolean()) {
+    what = "expected true or false";
+    return false;
+  }
+  out = it->get<bool>();
+  return true;
+}
+
+}  // namespace
+
+// Reads a text field into the string pool; `required` makes its absence an error.
+#define VDB_TEXT(obj, key, at, target, required)                                       \
+  do {                                                                                 \
+    std::string_view text_;                                                            \
+    bool present_ = false;                                                             \
+    std::string what_;                                                                 \
+    if (!ReadTextField(obj, key, text_, present_, what_)) return Fail(Field(at, key), what_); \
+    if (!present_ && (required)) return Fail(Field(at, key), "missing required field"); \
+    if (present_) target = d_.strings.Intern(text_);                                   \
+  } while (0)
+
+void DesignBuilder::OpenBlock(size_t block) {
+  while (d_.blocks.size() <= block) {
+    BlockRec rec;
+    rec.compsBegin = rec.compsEnd = static_cast<uint32_t>(d_.comps.size());
+    rec.netsBegin = rec.netsEnd = static_cast<uint32_t>(d_.nets.size());
+    rec.portsBegin = rec.portsEnd = static_cast<uint32_t>(d_.ports.size());
+    d_.blocks.push_back(rec);
+    declaredNets_.push_back(0);
+  }
+}
+
+bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Json& item) {
+  OpenBlock(block);
+  std::string at = Indexed("blocks[" + std::to_string(block) + "]", KindList(kind), index);
+  if (index >= kMaxPerBlock) return Fail(at, "too many objects of one kind in one block");
+  if (!item.is_object()) return Fail(at, "expected an object");
+  if (kind == ItemKind::kComponent) return AddComponent(at, item);
+  if (kind == ItemKind::kNet) return AddNet(at, item);
+  return AddPort(at, item);
+}
+
+bool DesignBuilder::ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list) {
+  auto it = item.find(key);
+  if (it == item.end()) return true;
+  if (!it->is_object()) return Fail(Field(at, key), "expected an object");
+  std::vector<uint32_t> pairs;
+  pairs.reserve(2 * it->size());
+  for (auto& [name, value] : it->items()) {
+    if (!value.is_string()) return Fail(Field(Field(at, key), name), "expected text");
+    pairs.push_back(d_.strings.Intern(name));
+    pairs.push_back(d_.strings.Intern(value.get_ref<const std::string&>()));
+  }
+  list = d_.attrs.Intern(pairs);
+  return true;
+}
+
+bool DesignBuilder::ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName,
+                                       int32_t& number, uint8_t& hasNumber) {
+  VDB_TEXT(item, "group", at, groupName, false);
+  int64_t value = 0;
+  bool present = false;
+  std::string what;
+  if (!ReadIntField(item, "number", value, present, what)) return Fail(Field(at, "number"), what);
+  if (present && (value < INT32_MIN || value > INT32_MAX)) return Fail(Field(at, "number"), "number out of range");
+  number = present ? static_cast<int32_t>(value) : 0;
+  hasNumber = present ? 1 : 0;
+  return true;
+}
+
+bool DesignBuilder::AddComponent(const std::string& at, const Json& item) {
+  CompRec c;
+  c.block = static_cast<uint32_t>(d_.blocks.size() - 1);
+  VDB_TEXT(item, "label", at, c.label, true);
+  VDB_TEXT(item, "name", at, c.name, false);
+  VDB_TEXT(item, "partition", at, c.partition, false);
+  int64_t type = 1;
+  bool present = false;
+  std::string what;
+  if (!ReadIntField(item, "type", type, present, what)) return Fail(Field(at, "type"), what);
+  if (type < 0 || type > UINT32_MAX) return Fail(Field(at, "type"), "number out of range");
+  c.type = static_cast<uint32_t>(type);
+  uint32_t child = kNone, group = kNone;
+  VDB_TEXT(item, "child", at, child, false);
+  if (!ReadAttributes(at, item, "attributes", c.instAttrs)) return false;
+  c.ownDefinition = item.contains("definition") ? 1 : 0;
+  if (!ReadAttributes(at, item, "definition", c.defAttrs)) return false;
+  if (!ReadGroupAndNumber(at, item, group, c.number, c.hasNumber)) return false;
+  auto pins = item.find("pins");
+  c.pinsBegin = static_cast<uint32_t>(d_.pins.size());
+  if (pins != item.end()) {
+    if (!pins->is_array()) return Fail(Field(at, "pins"), "expected a list");
+    for (size_t i = 0; i < pins->size(); ++i) {
+      if (!AddPin(Indexed(at, "pins", i), (*pins)[i])) return false;
+    }
+  }
+  c.pinsCount = static_cast<uint32_t>(d_.pins.size() - c.pinsBegin);
+  d_.comps.push_back(c);
+  d_.blocks.back().compsEnd = static_cast<uint32_t>(d_.comps.size());
+  compChild_.push_back(child);
+  compGroup_.push_back(group);
+  return true;
+}
+
+bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width,
+                              uint32_t& begin, uint32_t& count, uint8_t& connected) {
+  uint32_t net = kNone;
+  VDB_TEXT(item, "net", at, net, false);
+  VDB_TEXT(item, "bus", at, bus, false);
+  bool hasBus = item.contains("bus");
+  begin = static_cast<uint32_t>(d_.links.size());
+  auto nets = item.find("nets");
+  if (nets != item.end()) {
+    if (net != kNone) return Fail(Field(at, "nets"), "give either net or nets, not both");
+    if (!nets->is_array()) return Fail(Field(at, "nets"), "expected a list");
+    for (size_t i = 0; i < nets->size(); ++i) {
+      const Json& label = (*nets)[i];
+      if (!label.is_string()) return Fail(Field(at, "nets[" + std::to_string(i) + "]"), "expected text");
+      d_.links.push_back(d_.strings.Intern(label.get_ref<const std::string&>()));
+    }
+  } else if (net != kNone) {
+    d_.links.push_back(net);
+  }
+  count = static_cast<uint32_t>(d_.links.size() - begin);
+  int64_t w = nets != item.end() ? static_cast<int64_t>(count) : 1;
+  bool present = false, conn = false;
+  std::string what;
+  if (!ReadIntField(item, "width", w, present, what)) return Fail(Field(at, "width"), what);
+  if (w < 0 || w > INT32_MAX) return Fail(Field(at, "width"), "number out of range");
+  width = static_cast<uint32_t>(w);
+  conn = count > 0 || hasBus;
+  if (!ReadBoolField(item, "connected", conn, present, what)) return Fail(Field(at, "connected"), what);
+  connected = conn ? 1 : 0;
+  return true;
+}
+
+bool DesignBuilder::AddPin(const std::string& at, const Json& item) {
+  if (!item.is_object()) return Fail(at, "expected an object");
+  PinRec pin;
+  VDB_TEXT(item, "name", at, pin.name, true);
+  if (!ReadLinks(at, item, pin.bus, pin.width, pin.netsBegin, pin.netsCount, pin.connected)) return false;
+  d_.pins.push_back(pin);
+  return true;
+}
+
+bool DesignBuilder::AddPort(const std::string& at, const Json& item) {
+  PortRec port;
+  port.block = static_cast<uint32_t>(d_.blocks.size() - 1);
+  VDB_TEXT(item, "name", at, port.name, true);
+  if (!ReadLinks(at, item, port.bus, port.width, port.netsBegin, port.netsCount, port.connected)) return false;
+  if (!ReadAttributes(at, item, "attributes", port.attrs)) return false;
+  d_.ports.push_back(port);
+  d_.blocks.back().portsEnd = static_cast<uint32_t>(d_.ports.size());
+  return true;
+}
+
+bool DesignBuilder::AddNet(const std::string& at, const Json& item) {
+  NetRec net;
+  net.block = static_cast<uint32_t>(d_.blocks.size() - 1);
+  VDB_TEXT(item, "label", at, net.label, true);
+  bool global = false, present = false;
+  std::string what;
+  if (!ReadBoolField(item, "global", global, present, what)) return Fail(Field(at, "global"), what);
+  net.global = global ? 1 : 0;
+  if (!ReadAttributes(at, item, "attributes", net.attrs)) return false;
+  uint32_t group = kNone;
+  if (!ReadGroupAndNumber(at, item, group, net.number, net.hasNumber)) return false;
+  d_.nets.push_back(net);
+  d_.blocks.back().netsEnd = static_cast<uint32_t>(d_.nets.size());
+  declaredNets_.back()++;
+  netGroup_.push_back(group);
+  return true;
+}
+
+uint32_t DesignBuilder::NetOfLabel(size_t block, uint32_t label) {
+  auto found = netOfLabel_.find(label);
+  if (found != netOfLabel_.end()) return found->second;
+  NetRec net;
+  net.block = static_cast<uint32_t>(block);
+  net.label = label;
+  uint32_t id = static_cast<uint32_t>(d_.nets.size());
+  d_.nets.push_back(net);
+  netGroup_.push_back(kNone);
+  netOfLabel_.emplace(label, id);
+  return id;
+}
+
+void DesignBuilder::ResolveBlockLinks(size_t block) {
+  BlockRec& b = d_.blocks[block];
+  netOfLabel_.clear();
+  for (uint32_t n = b.netsBegin; n < b.netsEnd; ++n) netOfLabel_.emplace(d_.nets[n].label, n);
+  for (uint32_t p = b.portsBegin; p < b.portsEnd; ++p) {
+    const PortRec& port = d_.ports[p];
+    for (uint32_t i = port.netsBegin; i < port.netsBegin + port.netsCount; ++i)
+      d_.links[i] = NetOfLabel(block, d_.links[i]);
+  }
+  for (uint32_t c = b.compsBegin; c < b.compsEnd; ++c) {
+    const CompRec& comp = d_.comps[c];
+    for (uint32_t p = comp.pinsBegin; p < comp.pinsBegin + comp.pinsCount; ++p) {
+      const PinRec& pin = d_.pins[p];
+      for (uint32_t i = pin.netsBegin; i < pin.netsBegin + pin.netsCount; ++i)
+        d_.links[i] = NetOfLabel(block, d_.links[i]);
+    }
+  }
+  b.netsEnd = static_cast<uint32_t>(d_.nets.size());
+}
+
+bool DesignBuilder::EndBlock(size_t block, const Json& value) {
+  OpenBlock(block);
+  std::string at = "blocks[" + std::to_string(block) + "]";
+  if (!value.is_object()) return Fail(at, "expected an object");
+  VDB_TEXT(value, "name", at, d_.blocks[block].name, true);
+  for (const char* list : {"components", "nets", "ports"}) {
+    auto it = value.find(list);
+    if (it != value.end() && !it->is_array()) return Fail(Field(at, list), "expected a list");
+  }
+  ResolveBlockLinks(block);
+  BlockRec& b = d_.blocks[block];
+  if (b.netsEnd - b.netsBegin > kMaxPerBlock) return Fail(Field(at, "nets"), "too many nets in one block");
+  return true;
+}
+
+bool DesignBuilder::ReadGroups(const Json& root) {
+  auto groups = root.find("groups");
+  if (groups == root.end()) return true;
+  if (!groups->is_object()) return Fail("groups", "expected an object");
+  for (auto& [name, value] : groups->items()) {
+    std::string at = "groups." + name;
+    if (!value.is_object()) return Fail(at, "expected an object");
+    GroupRec g;
+    g.name = d_.strings.Intern(name);
+    VDB_TEXT(value, "internal_id", at, g.internalId, false);
+    int64_t type = 2;
+    bool present = false;
+    std::string what;
+    if (!ReadIntField(value, "type", type, present, what)) return Fail(Field(at, "type"), what);
+    if (type < INT32_MIN || type > INT32_MAX) return Fail(Field(at, "type"), "number out of range");
+    g.type = static_cast<int32_t>(type);
+    groupOfName_.emplace(g.name, static_cast<uint32_t>(d_.groups.size()));
+    d_.groups.push_back(g);
+  }
+  return true;
+}
+
+bool DesignBuilder::ReadSymbols(const Json& root) {
+  auto symbols = root.find("symbols");
+  if (symbols == root.end()) return true;
+  if (!symbols->is_object()) return Fail("symbols", "expected an object");
+  for (auto& [name, value] : symbols->items()) {
+    Json wrapper = Json::object();
+    wrapper[name] = value;
+    uint32_t list = 0;
+    if (!ReadAttributes("symbols", wrapper, name.c_str(), list)) return false;
+    uint32_t id = d_.strings.Intern(name);
+    symbolOfName_.emplace(id, list);
+    d_.symbols.emplace_back(id, list);
+  }
+  return true;
+}
+
+bool DesignBuilder::EndRoot(const Json& root) {
+  if (!root.is_object()) return Fail("(document)", "expected an object");
+  auto blocks = root.find("blocks");
+  if (blocks == root.end()) return Fail("blocks", "missing required field");
+  if (!blocks->is_array()) return Fail("blocks", "expected a list");
+  std::string_view snapshot;
+  bool present = false;
+  std::string what;
+  if (!ReadTextField(root, "snapshot", snapshot, present, what)) return Fail("snapshot", what);
+  if (present) snapshot_ = std::string(snapshot);
+  if (!ReadGroups(root) || !ReadSymbols(root)) return false;
+  auto benches = root.find("testbenches");
+  if (benches == root.end()) return true;
+  if (!benches->is_object()) return Fail("testbenches", "expected an object");
+  for (auto& [name, value] : benches->items()) {
+    if (!value.is_string()) return Fail("testbenches." + name, "expected text");
+    testbenchTargets_.emplace_back(d_.strings.Intern(name), value.get<std::string>());
+  }
+  return true;
+}
+
+std::string DesignBuilder::CompWhere(uint32_t comp) const {
+  uint32_t block = d_.comps[comp].block;
+  return Indexed("blocks[" + std::to_string(block) + "]", "components", comp - d_.blocks[block].compsBegin);
+}
+
+std::string DesignBuilder::NetWhere(uint32_t net) const {
+  uint32_t block = d_.nets[net].block;
+  return Indexed("blocks[" + std::to_string(block) + "]", "nets", net - d_.blocks[block].netsBegin);
+}
+
+bool DesignBuilder::ResolveBlockNames() {
+  for (uint32_t b = 0; b < d_.blocks.size(); ++b) {
+    auto [it, added] = blockOfName_.emplace(d_.blocks[b].name, b);
+    if (added) continue;
+    return Fail("blocks[" + std::to_string(b) + "].name",
+                "a block named " + Quoted(d_.strings.View(d_.blocks[b].name)) + " already exists (blocks[" +
+                    std::to_string(it->second) + "])");
+  }
+  return true;
+}
+
+bool DesignBuilder::ResolveComponents() {
+  for (uint32_t c = 0; c < d_.comps.size(); ++c) {
+    CompRec& comp = d_.comps[c];
+    if (compChild_[c] != kNone) {
+      auto block = blockOfName_.find(compChild_[c]);
+      if (block == blockOfName_.end())
+        return Fail(CompWhere(c) + ".child", "no block named " + Quoted(d_.strings.View(compChild_[c])));
+      comp.child = block->second;
+    }
+    if (compGroup_[c] != kNone) {
+      auto group = groupOfName_.find(compGroup_[c]);
+      if (group == groupOfName_.end())
+        return Fail(CompWhere(c) + ".group", "no group named " + Quoted(d_.strings.View(compGroup_[c])));
+      comp.group = group->second;
+    }
+    if (comp.ownDefinition) continue;
+    auto symbol = symbolOfName_.find(comp.name);
+    if (symbol != symbolOfName_.end()) comp.defAttrs = symbol->second;
+  }
+  return true;
+}
+
+bool DesignBuilder::ResolveNets() {
+  for (uint32_t n = 0; n < d_.nets.size(); ++n) {
+    if (netGroup_[n] == kNone) continue;
+    auto group = groupOfName_.find(netGroup_[n]);
+    if (group == groupOfName_.end())
+      return Fail(NetWhere(n) + ".group", "no group named " + Quoted(d_.strings.View(netGroup_[n])));
+    d_.nets[n].group = group->second;
+  }
+  return true;
+}
+
+bool DesignBuilder::ResolveTestbenches() {
+  for (auto& [name, target] : testbenchTargets_) {
+    uint32_t id = 0;
+    auto block = d_.strings.Find(target, id) ? blockOfName_.find(id) : blockOfName_.end();
+    if (block == blockOfName_.end())
+      return Fail("testbenches." + std::string(d_.strings.View(name)), "no block named " + Quoted(target));
+    d_.testbenches.emplace_back(name, block->second);
+  }
+  return true;
+}
+
+bool DesignBuilder::CheckHierarchy() {
+  std::vector<uint32_t> order;
+  uint32_t start = 0;
+  if (OrderBlocks(d_, order, start)) return true;
+  // Find the way from `start` back to itself, breadth first, remembering the placing component.
+  std::vector<uint32_t> via(d_.blocks.size(), kNone);
+  std::vector<uint32_t> queue{start};
+  for (size_t q = 0; q < queue.size() && via[start] == kNone; ++q) {
+    const BlockRec& b = d_.blocks[queue[q]];
+    for (uint32_t c = b.compsBegin; c < b.compsEnd; ++c) {
+      uint32_t child = d_.comps[c].child;
+      if (child == kNone || via[child] != kNone) continue;
+      via[child] = c;
+      queue.push_back(child);
+    }
+  }
+  std::string chain = std::string(d_.strings.View(d_.blocks[start].name));
+  uint32_t comp = via[start];
+  for (uint32_t block = start;;) {
+    comp = via[block];
+    block = d_.comps[comp].block;
+    chain = std::string(d_.strings.View(d_.blocks[block].name)) + " > " + chain;
+    if (block == start) break;
+  }
+  return Fail(CompWhere(comp) + ".child",
+              "block " + Quoted(d_.strings.View(d_.blocks[start].name)) + " places itself (" + chain + ")");
+}
+
+bool DesignBuilder::Finish(const std::string& snapshot) {
+  if (!ResolveBlockNames() || !ResolveComponents() || !ResolveNets() || !ResolveTestbenches()) return false;
+  if (!CheckHierarchy()) return false;
+  d_.snapshot = !snapshot.empty() ? snapshot : !snapshot_.empty() ? snapshot_ : "Qor";
+  return true;
+}
+
+}  // namespace vdb

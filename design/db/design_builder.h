@@ -1,0 +1,68 @@
+// Turns the pieces of a JSON design description into the compact design, checking every field.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "design/db/design_model.h"
+
+namespace vdb {
+
+using Json = nlohmann::ordered_json;
+
+enum class ItemKind { kComponent, kNet, kPort };
+
+/// Receives a description in document order: the items of each block, then the block itself
+/// (with its item lists emptied), then the root (with `blocks` emptied). Every call returns false
+/// on bad input, with Error() saying "WHERE: WHAT".
+class DesignBuilder {
+ public:
+  explicit DesignBuilder(Design& design) : d_(design) {}
+
+  bool AddItem(size_t block, ItemKind kind, size_t index, const Json& item);
+  bool EndBlock(size_t block, const Json& value);
+  bool EndRoot(const Json& root);
+  /// Resolves names across the document; `snapshot` (when not empty) overrides the description's.
+  bool Finish(const std::string& snapshot);
+
+  const std::string& Error() const { return error_; }
+
+ private:
+  bool Fail(const std::string& where, const std::string& what);
+  void OpenBlock(size_t block);
+  bool AddComponent(const std::string& at, const Json& item);
+  bool AddNet(const std::string& at, const Json& item);
+  bool AddPort(const std::string& at, const Json& item);
+  bool AddPin(const std::string& at, const Json& item);
+  bool ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
+                 uint32_t& count, uint8_t& connected);
+  bool ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list);
+  bool ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName, int32_t& number,
+                          uint8_t& hasNumber);
+  void ResolveBlockLinks(size_t block);
+  uint32_t NetOfLabel(size_t block, uint32_t label);
+  bool ReadGroups(const Json& root);
+  bool ReadSymbols(const Json& root);
+  bool ResolveBlockNames();
+  bool ResolveComponents();
+  bool ResolveNets();
+  bool ResolveTestbenches();
+  bool CheckHierarchy();
+  std::string CompWhere(uint32_t comp) const;
+  std::string NetWhere(uint32_t net) const;
+
+  Design& d_;
+  std::string error_;
+  std::vector<uint32_t> compChild_, compGroup_, netGroup_;  // names, resolved by Finish
+  std::vector<uint32_t> declaredNets_;                       // per block: nets that `nets` declares
+  std::unordered_map<uint32_t, uint32_t> netOfLabel_;       // current block: label to net
+  std::unordered_map<uint32_t, uint32_t> blockOfName_, groupOfName_, symbolOfName_;
+  std::vector<std::pair<uint32_t, std::string>> testbenchTargets_;
+  std::string snapshot_;
+};
+
+}  // namespace vdb

@@ -1,0 +1,69 @@
+// Building the design database of a project from a JSON description, and describing it back.
+#include "design/db/design_import.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "design/db/design_builder.h"
+#include "design/db/design_store.h"
+#include "design/db/json_reader.h"
+#include "design/db/json_writer.h"
+#include "design/platform.h"
+
+namespace {
+
+std::string DatabaseFolder(const std::string& projectDir) {
+  return FileSystemPath(projectDir.empty() ? "database" : projectDir + "/database");
+}
+
+// Writes the design into `folder` under a temporary name and renames it over the database file.
+bool StoreDesign(const vdb::Design& design, const std::string& folder, std::string& error) {
+  bool created = !PathExists(folder);
+  if (created) MakeFolder(folder);
+  std::string file = folder + "/" + vdb::kDatabaseFile;
+  std::string temp = file + ".new-" + std::to_string(getpid());
+  std::remove(temp.c_str());
+  std::string reason;
+  bool ok = vdb::SaveDesign(design, temp, reason);
+  if (ok && std::rename(temp.c_str(), file.c_str()) != 0) {
+    ok = false;
+    reason = "cannot replace " + file;
+  }
+  if (ok) return true;
+  std::remove(temp.c_str());
+  if (created) rmdir(folder.c_str());
+  error = "(database): " + reason;
+  return false;
+}
+
+}  // namespace
+
+bool ImportDesign(const std::string& jsonText, const std::string& projectDir, std::string& error,
+                  const std::string& snapshot) {
+  vdb::Design design;
+  vdb::DesignBuilder builder(design);
+  if (!vdb::ReadDescription(jsonText, builder, error)) return false;
+  if (!builder.Finish(snapshot)) {
+    error = builder.Error();
+    return false;
+  }
+  return StoreDesign(design, DatabaseFolder(projectDir), error);
+}
+
+bool ExportDesign(const std::string& projectDir, std::string& jsonText, std::string& error) {
+  std::string folder = DatabaseFolder(projectDir);
+  std::string file = folder + "/" + vdb::kDatabaseFile;
+  if (!FileExists(file)) {
+    error = "no design database in " + folder;
+    return false;
+  }
+  vdb::Design design;
+  std::string reason;
+  if (!vdb::LoadDesign(file, design, reason)) {
+    error = file + ": " + reason;
+    return false;
+  }
+  jsonText = vdb::WriteDescription(design);
+  return true;
+}

@@ -1,0 +1,13 @@
+// Small owning wrappers around an SQLite connection and its prepared statements.
+#include "design/db/sqlite_handle.h"
+
+namespace vdb {
+
+bool SqliteDb::Open(const std::string& file, bool create) {
+  int flags = create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY;
+  return sqlite3_open_v2(file.c_str(), &db_, flags, nullptr) == SQLITE_OK;
+}
+
+bool SqliteDb::Exec(const char* sql) { return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK; }
+
+}  // namespace vdb

@@ -1,0 +1,67 @@
+// vesk-db: builds a project's design database from a JSON description, or describes it back.
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include "design/db/design_import.h"
+#include "design/platform.h"
+
+namespace {
+
+constexpr int kBadInput = 2;
+constexpr int kUsageError = 1;
+
+int Usage() {
+  std::cerr << "usage: vesk-db import [--project DIR] [--snapshot NAME] FILE.json\n"
+               "       vesk-db export [DIR]\n";
+  return kUsageError;
+}
+
+int Import(int argc, char** argv) {
+  std::string project, snapshot, file;
+  for (int i = 2; i < argc; ++i) {
+    bool hasValue = i + 1 < argc;
+    if (!std::strcmp(argv[i], "--project") && hasValue) {
+      project = argv[++i];
+    } else if (!std::strcmp(argv[i], "--snapshot") && hasValue) {
+      snapshot = argv[++i];
+    } else if (file.empty() && std::strncmp(argv[i], "--", 2) != 0) {
+      file = argv[i];
+    } else {
+      return Usage();
+    }
+  }
+  if (file.empty()) return Usage();
+  std::string text, error;
+  if (!ReadWholeFile(file, text)) {
+    std::cerr << "vesk-db: " << file << ": cannot read the file\n";
+    return kBadInput;
+  }
+  if (!ImportDesign(text, project, error, snapshot)) {
+    std::cerr << "vesk-db: " << file << ": " << error << "\n";
+    return kBadInput;
+  }
+  return 0;
+}
+
+int Export(int argc, char** argv) {
+  if (argc > 3) return Usage();
+  std::string project = argc == 3 ? argv[2] : "";
+  std::string text, error;
+  if (!ExportDesign(project, text, error)) {
+    std::cerr << "vesk-db: " << error << "\n";
+    return kBadInput;
+  }
+  std::cout << text;
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) return Usage();
+  if (!std::strcmp(argv[1], "import")) return Import(argc, argv);
+  if (!std::strcmp(argv[1], "export")) return Export(argc, argv);
+  return Usage();
+}

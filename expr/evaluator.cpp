@@ -2,6 +2,7 @@
 #include "expr/evaluator.h"
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -125,22 +126,18 @@ bool ApplyBinary(int row, double a, double b, double& r) {
   return false;
 }
 
-// Reads the `length` digits and points at `text` as one double; false unless all of
-// them are taken.
+// Reads the `length` digits and points at `text` as one double, as strtod would;
+// false unless all of them are taken.
 bool ReadNumber(const char* text, int length, double& value) {
-  char small[64];
-  std::string large;
-  const char* copy = small;
-  if (length < static_cast<int>(sizeof small)) {
-    std::memcpy(small, text, length);
-    small[length] = '\0';
-  } else {
-    large.assign(text, length);
-    copy = large.c_str();
-  }
-  char* end = nullptr;
-  value = std::strtod(copy, &end);
-  return end == copy + length;
+  const char* end = text + length;
+  std::from_chars_result read = std::from_chars(text, end, value);
+  if (read.ec == std::errc()) return read.ptr == end;
+  if (read.ec != std::errc::result_out_of_range) return false;
+  // Beyond the range of a double: strtod's infinity or zero.
+  std::string copy(text, length);
+  char* stop = nullptr;
+  value = std::strtod(copy.c_str(), &stop);
+  return stop == copy.c_str() + length;
 }
 
 void AppendToken(std::string& postfix, const char* token) {

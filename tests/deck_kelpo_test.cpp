@@ -1,0 +1,243 @@
+// Whole Kelpo decks: HDL instances, model directives, the netUidMap file, analysis and print
+// statements, and the HDL-sources mode with its folded lines.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/deck_harness.h"
+
+namespace {
+
+// The comment block at the head of every deck, as the passes leave it. A flat deck keeps the
+// empty line behind the date; the probe pass of a hierarchical deck drops it.
+std::string Head(const std::string& options, bool flat) {
+  return std::string("\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n") +
+         (flat ? "\n" : "") +
+         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " + options +
+         "\n* Levels    :\n*\n";
+}
+
+VeskInput KelpoDeck() {
+  VeskInput input;
+  input.deckPath = "genhdl/TOP/TOP.cir";
+  return input;
+}
+
+// TOP holds a resistor, an instance X1 of AMP, an excluded part, a part whose two model words
+// are "SCH" and an unknown one, and a part without attributes that ends the root's loop. AMP
+// holds a Verilog-A and a VHDL-AMS instance, a part without attributes, a part of unknown
+// model words and an excluded part.
+const char kHierarchy[] = R"({
+  "groups": { "G1": { "internal_id": "7A" } },
+  "blocks": [
+    { "name": "TOP",
+      "nets": [
+        { "label": "IN",  "group": "G1", "number": 1 },
+        { "label": "OUT", "group": "G1", "number": 2 },
+        { "label": "GND", "group": "G1", "number": 3 }
+      ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
+          "group": "G1", "number": 10,
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
+        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "definition": { "PREFIX": "X" },
+          "group": "G1", "number": 11,
+          "pins": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ] },
+        { "label": "E9", "name": "RES.1", "attributes": { "EXCLUDE": "Yes", "VALUE": "1" },
+          "group": "G1", "number": 12,
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "V7", "name": "VSRC.1",
+          "attributes": { "SIMULATION MODEL": "SCH", "SIMMODEL": "ABC", "VALUE": "5" },
+          "definition": { "ORDER": "VALUE$" }, "group": "G1", "number": 13,
+          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
+        { "label": "U4", "name": "ODD.1", "attributes": { "SIMULATION MODEL": "Xyz", "SIMMODEL": "ABC" },
+          "group": "G1", "number": 16, "pins": [ { "name": "A", "net": "OUT" } ] },
+        { "label": "C9", "name": "BARE.1", "group": "G1", "number": 14,
+          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R8", "name": "RES.1", "attributes": { "VALUE": "8" }, "definition": { "ORDER": "VALUE$" },
+          "group": "G1", "number": 15,
+          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
+      ] },
+    { "name": "AMP",
+      "ports": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ],
+      "nets": [
+        { "label": "IN",  "group": "G1", "number": 4 },
+        { "label": "OUT", "group": "G1", "number": 5 },
+        { "label": "MID", "group": "G1", "number": 6 }
+      ],
+      "components": [
+        { "label": "YU1", "name": "AMP_VA",
+          "attributes": { "SIMULATION MODEL": "veriloga", "MODEL": "amp", "VERILOG FILE": "va/Amp.VA",
+                          "VERILOG_PARAM_GAIN": "10" },
+          "definition": { "PREFIX": "Y" }, "group": "G1", "number": 20,
+          "pins": [ { "name": "INP", "net": "IN" }, { "name": "OUTP", "net": "MID" } ] },
+        { "label": "C5", "name": "BARE.1", "group": "G1", "number": 23,
+          "pins": [ { "name": "A", "net": "MID" } ] },
+        { "label": "U2", "name": "CNT_VHD",
+          "attributes": { "SIMMODEL": "VHDL-AMS", "VHDL": "lib.cnt", "VHDL_GENERIC_WIDTH": "integer:=8" },
+          "group": "G1", "number": 21,
+          "pins": [ { "name": "A", "net": "MID" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "U3", "name": "ODD.1",
+          "attributes": { "SIMULATION MODEL": "SCH", "SIMMODEL": "ABC" }, "group": "G1", "number": 22,
+          "pins": [ { "name": "A", "net": "MID" } ] },
+        { "label": "E1", "name": "RES.1", "attributes": { "EXCLUDE": "shunt" }, "group": "G1", "number": 24,
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "MID" } ] }
+      ] }
+  ]
+})";
+
+const char kAmpDefinition[] =
+    "*Definition For Project AMP\n"
+    ".SUBCKT AMP IN OUT\n"
+    ".verilog va\\Amp.va\n"
+    "YU1 amp PORT: IN MID GENERIC: GAIN=10\n"
+    "YU2 cnt GENERIC: WIDTH=\"8\" PORT: MID OUT\n"
+    "*U3 Unrecognized Simulation Model type\n"
+    "*Note : Excluding Component E1\n"
+    "* CROSS-REFERENCE 0\n"
+    ".ENDS\n";
+
+const char kHierarchyMap[] =
+    "AMP/c5 $7AI23\n"
+    "AMP/in $7AN4\n"
+    "AMP/mid $7AN6\n"
+    "AMP/out $7AN5\n"
+    "AMP/u3 $7AI22\n"
+    "AMP/yu1 $7AI20\n"
+    "AMP/yu2 $7AI21\n"
+    "TOP/ $7AI12\n"
+    "TOP/0 $7AN3\n"
+    "TOP/in $7AN1\n"
+    "TOP/out $7AN2\n"
+    "TOP/r1 $7AI10\n"
+    "TOP/u4 $7AI16\n"
+    "TOP/v7 $7AI13\n"
+    "x1 AMP\n";
+
+// The probe pass reads a line that begins with "*" behind a ".model" line as a comment of the
+// model card and drops it; so the "*.END" line that follows the model directives goes, and with
+// it the place where hierarchical print statements would stand.
+TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
+  VeskRun run = RunVesk(kHierarchy, "-_ -h TOP", KelpoDeck());
+  ASSERT_EQ(run.rc, 0) << run.output << run.errors;
+  EXPECT_EQ(run.output, "*Note : Excluding Component E1\n*Note : Excluding Component E9\n");
+  EXPECT_EQ(run.deck, Head("-_ -h TOP", false) + kAmpDefinition +
+                          "\n"
+                          "R1 IN 0 1000.000000\n"
+                          "X1 IN OUT AMP\n"
+                          "*Note : Excluding Component E9\n"
+                          "V7 IN 0 5.000000\n"
+                          "*U4Unrecognized Simulation Model type\n"
+                          "* Dictionary 1\n"
+                          "* GND=0\n"
+                          ".model amp macro lang=veriloga\n"
+                          ".model cnt macro lang=vhdlams LIB=lib\n"
+                          "\n");
+  EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"), kHierarchyMap);
+  EXPECT_FALSE(run.Exists("TOP.cir"));
+}
+
+// Three levels: TOP places MID, MID places LEAF. Long VHDL-AMS lines in TOP and LEAF.
+const char kSources[] = R"({
+  "blocks": [
+    { "name": "TOP",
+      "components": [
+        { "label": "YU5", "name": "FILTER",
+          "attributes": { "SIMULATION MODEL": "VHDL", "VHDL": "filter", "VHDL_GENERIC_ZETA": "7",
+                          "VHDL_GENERIC_ALPHA": "0.25", "VHDL_GENERIC_BETA": "real:=1.5",
+                          "VHDL_GENERIC_DELTA_T": "1n", "VHDL_GENERIC_GAMMA": "3",
+                          "VHDL_GENERIC_GAIN_LIMIT": "1000", "VHDL_GENERIC_OFFSET_VOLTAGE": "0.001" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
+        { "label": "E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN",
+          "name": "RES.1", "attributes": { "EXCLUDE": "yes" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
+        { "label": "X1", "name": "MID.1", "type": 2, "child": "MID", "definition": { "PREFIX": "X" },
+          "pins": [ { "name": "P", "net": "IN" }, { "name": "Q", "net": "OUT" } ] },
+        { "label": "AC1", "name": "AC.1", "attributes": { "GENERATOR": ".AC", "N": "10" },
+          "definition": { "ORDER": "N$" } }
+      ] },
+    { "name": "MID",
+      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+      "components": [
+        { "label": "X2", "name": "LEAF.1", "type": 2, "child": "LEAF", "definition": { "PREFIX": "X" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] },
+        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" }, "definition": { "ORDER": "VALUE$" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] }
+      ] },
+    { "name": "LEAF",
+      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "components": [
+        { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "3" }, "definition": { "ORDER": "VALUE$" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ] },
+        { "label": "U6", "name": "STAGE",
+          "attributes": { "SIMMODEL": "vhdl", "VHDL": "lib.stage", "VHDL_GENERIC_MODE": "fast",
+                          "VHDL_GENERIC_COEFFICIENT_A": "1111", "VHDL_GENERIC_COEFFICIENT_B": "2",
+                          "VHDL_GENERIC_COEFFICIENT_C": "3.5" },
+          "pins": [ { "name": "P", "net": "B" }, { "name": "N", "net": "GND" } ] }
+      ] }
+  ]
+})";
+
+const char kLongNote[] =
+    "*Note : Excluding Component "
+    "E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN\n";
+
+// With "-__" the root comes first and its definitions follow, parents before children; there is
+// no end line and no analysis statement. Lines of 77 characters and more are folded at a blank:
+// the blank stays at the end of the first part, or, when it stands at column 77, begins the
+// continuation. Comment lines stay whole.
+TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
+  VeskInput input = KelpoDeck();
+  input.files["genhdl/TOP/TOP_sources.spi"] = "* generated\n";
+  VeskRun run = RunVesk(kSources, "-_ -__ -7 -h TOP", input);
+  ASSERT_EQ(run.rc, 0) << run.output << run.errors;
+  EXPECT_EQ(run.output, kLongNote);
+  EXPECT_EQ(run.deck, Head("-_ -__ -7 -h TOP", false) +
+                          ".include \"..\\..\\genhdl\\TOP\\TOP_sources.spi\"\n"
+                          "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
+                          "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
+                          kLongNote +
+                          "X1 IN OUT MID\n"
+                          "* Dictionary 1\n"
+                          "* GND=0\n"
+                          "*Definition For Project MID\n"
+                          ".SUBCKT MID P Q\n"
+                          "X2 P Q LEAF\n"
+                          "R2 P Q 2.000000K\n"
+                          "* CROSS-REFERENCE 0\n"
+                          ".ENDS\n"
+                          "\n"
+                          "\n"
+                          "*Definition For Project LEAF\n"
+                          ".SUBCKT LEAF A B\n"
+                          "R3 A B 3.000000\n"
+                          "YU6 stage GENERIC: COEFFICIENT_A=\"1111\" COEFFICIENT_B=\"2\" COEFFICIENT_C=\"3.5\"\n"
+                          "+ MODE=\"fast\" PORT: B 0\n"
+                          "* CROSS-REFERENCE 1\n"
+                          "* GND=0\n"
+                          ".ENDS\n"
+                          "\n"
+                          "\n"
+                          ".model filter macro lang=vhdlams LIB=WORK\n"
+                          ".model stage macro lang=vhdlams LIB=lib\n"
+                          "\n");
+}
+
+// Without "-7" the generated sources are not included, even when they are there.
+TEST(KelpoSourcesTest, SourcesOfTheOtherToolNeedTheirSwitch) {
+  VeskInput input = KelpoDeck();
+  input.files["genhdl/TOP/TOP_sources.spi"] = "* generated\n";
+  input.files["genhdl/TOP/TOP_boundaries.cir"] = "* boundaries\n";
+  VeskRun run = RunVesk(kSources, "-_ -__ -h TOP", input);
+  ASSERT_EQ(run.rc, 0) << run.errors;
+  EXPECT_EQ(run.deck.find(".include"), std::string::npos) << run.deck;
+  // Without "-__" the boundaries are included, and the plain sources file only under "-7".
+  input.files["genhdl/TOP/TOP_sources.cir"] = "* plain\n";
+  VeskRun plain = RunVesk(kSources, "-_ -7 -h TOP", input);
+  EXPECT_NE(plain.deck.find("*\n.include ..\\..\\genhdl\\TOP\\TOP_sources.cir\n"
+                            ".include ..\\..\\genhdl\\TOP\\TOP_boundaries.cir\n"),
+            std::string::npos)
+      << plain.deck;
+}
+
+}  // namespace

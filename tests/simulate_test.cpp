@@ -1,0 +1,206 @@
+// Simulates the example divider's decks with ngspice and checks the operating point: the decks
+// that vesk writes for Pspice, HSPICE and Berkeley SPICE, flat and hierarchical, must load and
+// give the voltages that the resistors set.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/deck_harness.h"
+
+#ifndef VESK_SOURCE_DIR
+#define VESK_SOURCE_DIR "."
+#endif
+
+namespace {
+
+// ngspice reads its first line as the title; what follows is appended to a copy of the deck. A
+// real .end closes the circuit, since the deck's own end mark is the comment "*.END".
+const char* const kOperatingPointControl =
+    ".control\n"
+    "op\n"
+    "print all\n"
+    "quit 0\n"
+    ".endc\n"
+    ".end\n";
+
+// The example: V1 = 10 V on IN; R1 = 1K from IN to MID; inside X1, RA = 1K from MID to OUT and
+// RB = 1K from OUT to ground (CB is open at the operating point). 3K in all carry 10/3 mA.
+constexpr double kIn = 10.0;
+constexpr double kMid = 10.0 * 2000.0 / 3000.0;
+constexpr double kOut = 10.0 * 1000.0 / 3000.0;
+constexpr double kSourceCurrent = -10.0 / 3000.0;  // into the source's + terminal
+
+struct Dialect {
+  std::string testName;
+  std::string switches;
+  /// ngspice's compatibility mode for the dialect, "" for its own Berkeley syntax.
+  std::string ngBehavior;
+};
+
+void PrintTo(const Dialect& dialect, std::ostream* out) { *out << "vesk " << dialect.switches; }
+
+std::string ReadSourceFile(const std::string& relative) {
+  std::ifstream in(std::string(VESK_SOURCE_DIR) + "/" + relative, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// Full path of ngspice on PATH, "" when it is not installed.
+std::string FindNgspice() {
+  const char* path = std::getenv("PATH");
+  std::istringstream folders(path ? path : "");
+  std::string folder;
+  while (std::getline(folders, folder, ':')) {
+    if (folder.empty()) continue;
+    std::string candidate = folder + "/ngspice";
+    if (::access(candidate.c_str(), X_OK) == 0) return candidate;
+  }
+  return "";
+}
+
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+std::string Trim(const std::string& text) {
+  size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+/// The vectors that "print all" lists after an operating point, lower case, node voltages under
+/// their node ("v(2)" and "2" alike), branch currents as ngspice names them ("v1#branch").
+std::map<std::string, double> ParsePrintAll(const std::string& output) {
+  std::map<std::string, double> values;
+  std::istringstream lines(output);
+  std::string line;
+  while (std::getline(lines, line)) {
+    size_t equals = line.find(" = ");
+    if (equals == std::string::npos) continue;
+    std::string name = Lower(Trim(line.substr(0, equals)));
+    std::string number = Trim(line.substr(equals + 3));
+    if (name.empty() || name.find(' ') != std::string::npos || number.empty()) continue;
+    char* end = nullptr;
+    double value = std::strtod(number.c_str(), &end);
+    if (end == number.c_str() || Trim(end).size() != 0) continue;
+    if (name.size() > 3 && name.compare(0, 2, "v(") == 0 && name.back() == ')')
+      name = name.substr(2, name.size() - 3);
+    values[name] = value;
+  }
+  return values;
+}
+
+/// Net name to node of the root's dictionary ("* Dictionary n" and its "* NET=node" lines). Only
+/// nets whose node differs from their name are listed there.
+std::map<std::string, std::string> RootDictionary(const std::string& deck) {
+  std::map<std::string, std::string> entries;
+  std::istringstream lines(deck);
+  std::string line;
+  bool inside = false;
+  while (std::getline(lines, line)) {
+    if (line.rfind("* Dictionary ", 0) == 0) {
+      inside = true;
+      continue;
+    }
+    if (!inside) continue;
+    size_t equals = line.find('=');
+    if (line.rfind("* ", 0) != 0 || equals == std::string::npos) break;
+    entries[Trim(line.substr(2, equals - 2))] = Trim(line.substr(equals + 1));
+  }
+  return entries;
+}
+
+std::string NodeOf(const std::map<std::string, std::string>& dictionary, const std::string& net) {
+  auto entry = dictionary.find(net);
+  return Lower(entry == dictionary.end() ? net : entry->second);
+}
+
+bool MentionsError(const std::string& text) { return Lower(text).find("error") != std::string::npos; }
+
+class SimulateTest : public ::testing::TestWithParam<Dialect> {};
+
+TEST_P(SimulateTest, OperatingPointOfTheDivider) {
+  std::string ngspice = FindNgspice();
+  if (ngspice.empty())
+    GTEST_SKIP() << "ngspice is not installed (scripts/setup installs it): decks not simulated";
+  const Dialect& dialect = GetParam();
+
+  VeskInput input;
+  input.config = ReadSourceFile("examples/standard/vesk.cfg");
+  input.deckPath = "DIVIDER.cir";
+  std::string design = ReadSourceFile("examples/divider/design.json");
+  ASSERT_FALSE(design.empty()) << "examples/divider/design.json not found";
+  VeskRun run = RunVesk(design, dialect.switches + " divider", input);
+  ASSERT_EQ(run.rc, 0) << run.output << run.errors;
+  ASSERT_TRUE(run.Exists(input.deckPath)) << run.output;
+  std::string deck = run.Read(input.deckPath);
+  // A hierarchical deck must really hold the sub-circuit and its call, or it proves nothing more.
+  if (dialect.switches.find("-h") != std::string::npos) {
+    EXPECT_NE(deck.find("\n.SUBCKT RCDIV "), std::string::npos) << deck;
+    EXPECT_NE(deck.find("\nX1 "), std::string::npos) << deck;
+  }
+
+  // The deck stays as written; ngspice reads a copy with the analysis behind it, and the dialect's
+  // compatibility mode from .spiceinit in its working folder (an empty one keeps a user's own away).
+  {
+    std::ofstream(run.folder + "/simulate.cir", std::ios::binary) << deck << kOperatingPointControl;
+    std::ofstream init(run.folder + "/.spiceinit", std::ios::binary);
+    if (!dialect.ngBehavior.empty()) init << "set ngbehavior=" << dialect.ngBehavior << "\n";
+  }
+  std::string output, errors;
+  int rc = RunProgram(ngspice, "-b simulate.cir", run.folder, {}, output, errors);
+  std::string transcript = "deck:\n" + deck + "\nngspice output:\n" + output + errors;
+  ASSERT_EQ(rc, 0) << transcript;
+  EXPECT_FALSE(MentionsError(output + errors)) << transcript;
+
+  std::map<std::string, std::string> dictionary = RootDictionary(deck);
+  EXPECT_EQ(NodeOf(dictionary, "GND"), "0") << transcript;
+  std::map<std::string, double> values = ParsePrintAll(output);
+  std::map<std::string, double> expected = {{NodeOf(dictionary, "IN"), kIn},
+                                            {NodeOf(dictionary, "MID"), kMid},
+                                            {NodeOf(dictionary, "OUT"), kOut},
+                                            {"v1#branch", kSourceCurrent}};
+  ASSERT_EQ(expected.size(), 4u) << "IN, MID and OUT share a node:\n" << transcript;
+  // Exactly these vectors: a stray node would be a wrong connection.
+  std::set<std::string> names, expectedNames;
+  for (const auto& [name, value] : values) names.insert(name);
+  for (const auto& [name, value] : expected) expectedNames.insert(name);
+  EXPECT_EQ(names, expectedNames) << transcript;
+  for (const auto& [name, value] : expected) {
+    auto found = values.find(name);
+    if (found == values.end()) continue;
+    // "print all" gives six significant digits.
+    EXPECT_NEAR(found->second, value, std::fabs(value) * 1e-5) << name << "\n" << transcript;
+  }
+}
+
+const Dialect kDialects[] = {
+    {"BerkeleyFlat", "-s", ""},
+    {"BerkeleyHierarchical", "-s -h", ""},
+    {"PspiceFlat", "-p", "psa"},
+    {"PspiceHierarchical", "-p -h", "psa"},
+    {"HspiceFlat", "-m", "hsa"},
+    {"HspiceHierarchical", "-m -h", "hsa"},
+    {"BerkeleyFlatNodeNames", "-s -n", ""},
+    {"BerkeleyHierarchicalNodeNames", "-s -h -n", ""},
+    {"PspiceFlatNodeNames", "-p -n", "psa"},
+    {"PspiceHierarchicalNodeNames", "-p -h -n", "psa"},
+    {"HspiceFlatNodeNames", "-m -n", "hsa"},
+    {"HspiceHierarchicalNodeNames", "-m -h -n", "hsa"},
+};
+
+INSTANTIATE_TEST_SUITE_P(ExampleDivider, SimulateTest, ::testing::ValuesIn(kDialects),
+                         [](const ::testing::TestParamInfo<Dialect>& info) { return info.param.testName; });
+
+}  // namespace

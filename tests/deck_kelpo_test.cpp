@@ -77,6 +77,12 @@ const char kHierarchy[] = R"({
           "attributes": { "SIMMODEL": "VHDL-AMS", "VHDL": "lib.cnt", "VHDL_GENERIC_WIDTH": "integer:=8" },
           "group": "G1", "number": 21,
           "pins": [ { "name": "A", "net": "MID" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "U8", "name": "CNT_VHD", "attributes": { "SIMMODEL": "VHDL", "VHDL MODEL": "mylib.sub.counter" },
+          "group": "G1", "number": 25, "pins": [ { "name": "A", "net": "MID" } ] },
+        { "label": "YU9", "name": "AMP_VA",
+          "attributes": { "SIMULATION MODEL": "Verilog", "MODEL": "AMP", "USE VERILOG": "amplib",
+                          "VERILOG FILE": "unused.va" },
+          "group": "G1", "number": 26, "pins": [ { "name": "INP", "net": "OUT" } ] },
         { "label": "U3", "name": "ODD.1",
           "attributes": { "SIMULATION MODEL": "SCH", "SIMMODEL": "ABC" }, "group": "G1", "number": 22,
           "pins": [ { "name": "A", "net": "MID" } ] },
@@ -92,6 +98,9 @@ const char kAmpDefinition[] =
     ".verilog va\\Amp.va\n"
     "YU1 amp PORT: IN MID GENERIC: GAIN=10\n"
     "YU2 cnt GENERIC: WIDTH=\"8\" PORT: MID OUT\n"
+    "YU8 counter PORT: MID\n"
+    ".use_verilog amplib\n"
+    "YU9 AMP PORT: OUT\n"
     "*U3 Unrecognized Simulation Model type\n"
     "*Note : Excluding Component E1\n"
     "* CROSS-REFERENCE 0\n"
@@ -105,6 +114,8 @@ const char kHierarchyMap[] =
     "AMP/u3 $7AI22\n"
     "AMP/yu1 $7AI20\n"
     "AMP/yu2 $7AI21\n"
+    "AMP/yu8 $7AI25\n"
+    "AMP/yu9 $7AI26\n"
     "TOP/ $7AI12\n"
     "TOP/0 $7AN3\n"
     "TOP/in $7AN1\n"
@@ -132,6 +143,7 @@ TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
                           "* GND=0\n"
                           ".model amp macro lang=veriloga\n"
                           ".model cnt macro lang=vhdlams LIB=lib\n"
+                          ".model counter macro lang=vhdlams LIB=mylib.sub\n"
                           "\n");
   EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"), kHierarchyMap);
   EXPECT_FALSE(run.Exists("TOP.cir"));
@@ -238,6 +250,127 @@ TEST(KelpoSourcesTest, SourcesOfTheOtherToolNeedTheirSwitch) {
                             ".include ..\\..\\genhdl\\TOP\\TOP_boundaries.cir\n"),
             std::string::npos)
       << plain.deck;
+}
+
+// A flat RC filter with a probed net IN, a voltage probe P1 on OUT, a current probe on R1 and a
+// NODESET on IN, and the generator components named in `generators`.
+std::string Analyses(const std::string& generators) {
+  return R"({
+  "blocks": [
+    { "name": "TOP",
+      "nets": [ { "label": "IN", "attributes": { "PROBE": "V", "NODESET": "1.5" } } ],
+      "components": [
+        { "label": "V1", "name": "VSRC.1", "attributes": { "VALUE": "1" }, "definition": { "ORDER": "VALUE$" },
+          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
+          "definition": { "ORDER": "VALUE$" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "1N" }, "definition": { "ORDER": "VALUE$" },
+          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
+        { "label": "P1", "name": "PROBE.1", "attributes": { "PROBE": "V" },
+          "pins": [ { "name": "A", "net": "OUT" } ] })" +
+         generators + R"(
+      ] }
+  ]
+})";
+}
+
+const char kTran[] = R"(,
+        { "label": "TR1", "name": "TRAN.1", "attributes": { "GENERATOR": ".TRAN", "TSTEP": "1N", "TSTOP": "1U" },
+          "definition": { "ORDER": "TSTEP$ TSTOP$" } })";
+const char kAc[] = R"(,
+        { "label": "AC1", "name": "AC.1", "attributes": { "GENERATOR": ".AC", "NPTS": "10", "FSTART": "1",
+          "FSTOP": "1MEG" }, "definition": { "ORDER": "\"DEC\" NPTS$ FSTART$ FSTOP$" } })";
+const char kDc[] = R"(,
+        { "label": "DC1", "name": "DC.1", "attributes": { "GENERATOR": ".DC", "SRC": "V1", "TO": "5" },
+          "definition": { "ORDER": "SRC$ \"0\" TO$ \"1\"" } })";
+const char kFour[] = R"(,
+        { "label": "F1", "name": "FOUR.1", "attributes": { "GENERATOR": ".FOUR", "FREQ": "1K" },
+          "definition": { "ORDER": "FREQ$" }, "pins": [ { "name": "P", "net": "OUT" } ] })";
+const char kNoise[] = R"(,
+        { "label": "N1", "name": "NOISE.1", "attributes": { "GENERATOR": ".NOISE", "SRC": "V1" },
+          "definition": { "ORDER": "SRC$" }, "pins": [ { "name": "P", "net": "OUT" } ] })";
+const char kSens[] = R"(,
+        { "label": "S1", "name": "SENS.1", "attributes": { "GENERATOR": ".SENS", "NO_PINS": "yes" },
+          "definition": { "ORDER": "\"V(OUT)\"" }, "pins": [ { "name": "P", "net": "OUT" } ] })";
+
+const char kCircuit[] =
+    "V1 IN 0 1.000000\n"
+    "R1 IN OUT 1000.000000\n"
+    "C1 OUT 0 1000.000000P\n"
+    "* voltage probe on node :  OUT\n";
+
+// Analysis statements stand in key order behind the root's lines; the flat probes are printed
+// once for each of ".AC", ".DC" and ".TRAN", the newest analysis first, in decibel and phase form
+// under ".AC". A ".FOUR" has its ".TRAN" and a ".NOISE" its ".AC" here.
+TEST(KelpoAnalysesTest, StatementsInKeyOrderAndProbesPerAnalysis) {
+  VeskRun run = RunVesk(Analyses(std::string(kTran) + kNoise + kAc + kFour + kSens), "-_ TOP", KelpoDeck());
+  ASSERT_EQ(run.rc, 0) << run.errors;
+  EXPECT_EQ(run.output, "");
+  // Every component has its entry, generators and probes included; a flat walk gives no
+  // internal names, and the nets here are in no group.
+  EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"),
+            "TOP/0 \nTOP/ac1 \nTOP/c1 \nTOP/f1 \nTOP/in \nTOP/n1 \nTOP/out \nTOP/p1 \nTOP/r1 \nTOP/s1 \n"
+            "TOP/tr1 \nTOP/v1 \n");
+  EXPECT_EQ(run.deck, Head("-_ TOP", true) + kCircuit +
+                          ".AC DEC 10.000000 1.000000 1000.000000K\n"
+                          ".FOUR V(OUT) 1000.000000\n"
+                          ".NOISE V(OUT) V1\n"
+                          ".PRINT NOISE ONOISE INOISE DB(ONOISE) DB(INOSIE)\n"
+                          ".SENS V(OUT)\n"
+                          ".TRAN 1000.000000P 1000.000000N\n"
+                          "* Dictionary 1\n"
+                          "* GND=0\n"
+                          ".PROBE TRAN V(IN)\n"
+                          ".PROBE TRAN V(OUT)\n"
+                          ".PROBE TRAN i(R1)\n"
+                          ".PROBE AC VDB(IN) VP(IN)\n"
+                          ".PROBE AC VDB(OUT) VP(OUT)\n"
+                          ".PROBE AC iDB(R1) iP(R1)\n"
+                          ".NODESET V(IN)=1.5\n"
+                          "\n"
+                          "*.END\n");
+}
+
+// Without ".AC" and ".TRAN" the ".NOISE" and ".FOUR" statements are refused on the console and
+// leave nothing in the deck; the probes are printed for the ".DC" analysis alone.
+TEST(KelpoAnalysesTest, NoiseWithoutAcAndFourierWithoutTranAreRefused) {
+  VeskRun run = RunVesk(Analyses(std::string(kFour) + kNoise + kDc), "-_ -w TOP", KelpoDeck());
+  ASSERT_EQ(run.rc, 0) << run.errors;
+  EXPECT_EQ(run.output,
+            "Error :Fourier analysis requires oscilloscope Error: Noise generator (.NOISE) requires Bode Plot");
+  EXPECT_EQ(run.deck, Head("-_ -w TOP", true) + kCircuit +
+                          ".DC V1 0 5.000000 1\n"
+                          "* Dictionary 1\n"
+                          "* GND=0\n"
+                          ".PRINT DC V(IN)\n"
+                          ".PRINT DC V(OUT)\n"
+                          ".PRINT DC i(R1)\n"
+                          ".NODESET V(IN)=1.5\n"
+                          "\n"
+                          "*.END\n");
+}
+
+// Without any analysis there is no print statement, whatever was probed; "-i" keeps the ".NOISE"
+// statement but drops its ".PRINT NOISE" line and every print statement.
+TEST(KelpoAnalysesTest, NoAnalysisNoPrintsAndIgnoredPrints) {
+  VeskRun none = RunVesk(Analyses(kSens), "-_ TOP", KelpoDeck());
+  EXPECT_EQ(none.deck, Head("-_ TOP", true) + kCircuit +
+                           ".SENS V(OUT)\n"
+                           "* Dictionary 1\n"
+                           "* GND=0\n"
+                           ".NODESET V(IN)=1.5\n"
+                           "\n"
+                           "*.END\n");
+  VeskRun ignored = RunVesk(Analyses(std::string(kNoise) + kAc), "-_ -i TOP", KelpoDeck());
+  EXPECT_EQ(ignored.deck, Head("-_ -i TOP", true) + kCircuit +
+                              ".AC DEC 10.000000 1.000000 1000.000000K\n"
+                              ".NOISE V(OUT) V1\n"
+                              "* Dictionary 1\n"
+                              "* GND=0\n"
+                              ".NODESET V(IN)=1.5\n"
+                              "\n"
+                              "*.END\n");
 }
 
 }  // namespace

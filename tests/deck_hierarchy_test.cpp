@@ -1,0 +1,335 @@
+// Whole decks of designs with hierarchy: flat names through several levels, names passed down
+// through pins, global nets, levels that stop an instance, and the definitions of a hierarchical deck.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/deck_harness.h"
+
+namespace {
+
+// The head of a Pspice deck after both passes. A hierarchical deck loses the empty line behind
+// the date to the probe pass.
+std::string Head(const std::string& options, bool flat = true) {
+  return std::string("\n* Project TOP\n") +
+         "* Norvane Wirelist Created with Version 6.4.002\n"
+         "* File created <date>\n" +
+         (flat ? "\n" : "") +
+         "* Inifile   :\n"
+         "* ConfigFile:  galt\\standard\\vesk.cfg\n"
+         "* Options   :  " +
+         options +
+         "\n"
+         "* Levels    :\n"
+         "*\n";
+}
+
+// TOP places MID, MID places LEAF; VDD is global in both sub-blocks, K lives in LEAF alone.
+const char* const kThreeLevels = R"({
+  "symbols": {
+    "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" },
+    "CAP.1": { "PREFIX": "C", "ORDER": "VALUE$" },
+    "MID.1": { "DESC": "amplifier" },
+    "LEAF.1": { "LEVEL": "STOP" }
+  },
+  "blocks": [
+    { "name": "TOP",
+      "components": [
+        { "label": "X1", "name": "MID.1", "type": 2, "child": "MID",
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "RL", "name": "RES.1", "attributes": { "VALUE": "5" },
+          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
+      ] },
+    { "name": "MID",
+      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "nets": [ { "label": "VDD", "global": true } ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "M" } ] },
+        { "label": "X2", "name": "LEAF.1", "type": 2, "child": "LEAF",
+          "pins": [ { "name": "P", "net": "M" }, { "name": "Q", "net": "B" } ] }
+      ] },
+    { "name": "LEAF",
+      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+      "nets": [ { "label": "VDD", "global": true } ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "3K" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "K" } ] },
+        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "10P" },
+          "pins": [ { "name": "A", "net": "K" }, { "name": "B", "net": "Q" } ] },
+        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "4K" },
+          "pins": [ { "name": "A", "net": "K" }, { "name": "B", "net": "VDD" } ] }
+      ] }
+  ]
+})";
+
+TEST(FlatHierarchyDeckTest, NamesPassDownThroughPinsAndGainTheInstancePathElsewhere) {
+  // M is local to X1, K local to X1\X2; P and Q reach the pins of X2, A and B those of X1;
+  // VDD is global and keeps its label.
+  VeskRun run = RunVesk(kThreeLevels, "TOP");
+  EXPECT_EQ(run.rc, 0);
+  EXPECT_EQ(run.deck, Head("TOP") +
+                          "RX11 1 2 2.000000K\n"
+                          "RX1X21 2 3 3.000000K\n"
+                          "CX1X21 3 4 10.000000P\n"
+                          "RX1X22 3 5 4.000000K\n"
+                          "RL 4 0 5.000000\n"
+                          "* Dictionary 6\n"
+                          "* GND=0\n"
+                          "* VDD=5\n"
+                          "* OUT=4\n"
+                          "* X1\\X2\\K=3\n"
+                          "* X1\\M=2\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(FlatHierarchyDeckTest, NodeNamesAreTheLegalFormOfTheFlatNames) {
+  // Only nets whose node differs from the name reach the dictionary.
+  VeskRun run = RunVesk(kThreeLevels, "-n TOP");
+  EXPECT_EQ(run.deck, Head("-n TOP") +
+                          "RX11 IN X1M 2.000000K\n"
+                          "RX1X21 X1M X1X2K 3.000000K\n"
+                          "CX1X21 X1X2K OUT 10.000000P\n"
+                          "RX1X22 X1X2K VDD 4.000000K\n"
+                          "RL OUT 0 5.000000\n"
+                          "* Dictionary 3\n"
+                          "* GND=0\n"
+                          "* X1\\X2\\K=X1X2K\n"
+                          "* X1\\M = X1M\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(FlatHierarchyDeckTest, ALevelTakesTheInstanceAndItsBlockOut) {
+  // X2 carries LEVEL=STOP at definition level: LEAF's components go, X1's stay.
+  const std::string flatDeck =
+      "RX11 1 2 2.000000K\n"
+      "RL 3 0 5.000000\n"
+      "* Dictionary 4\n"
+      "* GND=0\n"
+      "* OUT=3\n"
+      "* X1\\M=2\n"
+      "* IN = 1\n"
+      "\n"
+      "*.END\n";
+  VeskRun bySwitch = RunVesk(kThreeLevels, "-lSTOP TOP");
+  EXPECT_EQ(bySwitch.deck, Head("-lSTOP TOP") + flatDeck);
+  VeskRun byArgument = RunVesk(kThreeLevels, "TOP STOP");
+  EXPECT_EQ(byArgument.deck, Head("TOP STOP") + flatDeck);
+}
+
+TEST(FlatHierarchyDeckTest, ALevelMatchesExactly) {
+  VeskRun run = RunVesk(kThreeLevels, "-lstop TOP");
+  EXPECT_NE(run.deck.find("RX1X21 2 3 3.000000K\n"), std::string::npos) << run.deck;
+}
+
+TEST(HierarchicalDeckTest, EachBlockIsDefinedOnceChildrenFirst) {
+  // Each definition numbers its own nodes, ports first; the root's lines follow the definitions.
+  VeskRun run = RunVesk(kThreeLevels, "-h TOP");
+  EXPECT_EQ(run.rc, 0);
+  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+                          "*Definition For Project LEAF\n"
+                          ".SUBCKT LEAF 1 2\n"
+                          "R1 1 3 3.000000K\n"
+                          "C1 3 2 10.000000P\n"
+                          "R2 3 4 4.000000K\n"
+                          "* CROSS-REFERENCE 4\n"
+                          "* VDD=4\n"
+                          "* Q=2\n"
+                          "* K=3\n"
+                          "* P=1\n"
+                          ".ENDS\n"
+                          "\n"
+                          "\n"
+                          "*Definition For Project MID\n"
+                          ".SUBCKT MID 1 2\n"
+                          "R1 1 3 2.000000K\n"
+                          "X2 3 2 LEAF\n"
+                          "* CROSS-REFERENCE 3\n"
+                          "* B=2\n"
+                          "* M=3\n"
+                          "* A=1\n"
+                          ".ENDS\n"
+                          "\n"
+                          "X1 1 2 MID\n"
+                          "RL 2 0 5.000000\n"
+                          "* Dictionary 3\n"
+                          "* GND=0\n"
+                          "* OUT=2\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n\n");
+}
+
+TEST(HierarchicalDeckTest, AStoppedInstanceWithoutPrefixIsSkippedAndItsBlockNotDefined) {
+  VeskRun run = RunVesk(kThreeLevels, "-h -lSTOP TOP");
+  EXPECT_EQ(run.output, "*Note : Skipping Component X2\n");
+  EXPECT_EQ(run.deck, Head("-h -lSTOP TOP", false) +
+                          "*Definition For Project MID\n"
+                          ".SUBCKT MID 1 2\n"
+                          "R1 1 3 2.000000K\n"
+                          "*Note : Skipping Component X2\n"
+                          "* CROSS-REFERENCE 2\n"
+                          "* M=3\n"
+                          "* A=1\n"
+                          ".ENDS\n"
+                          "\n"
+                          "X1 1 2 MID\n"
+                          "RL 2 0 5.000000\n"
+                          "* Dictionary 3\n"
+                          "* GND=0\n"
+                          "* OUT=2\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n\n");
+}
+
+TEST(HierarchicalDeckTest, AStoppedInstanceWithAPrefixStaysAsALine) {
+  // Kind 3 writes its symbol's name and then the default of its letter, with the note behind.
+  std::string design = kThreeLevels;
+  design.replace(design.find(R"("child": "LEAF",)"), 16,
+                 R"("child": "LEAF", "attributes": { "PREFIX": "X" },)");
+  VeskRun run = RunVesk(design, "-h -z -lSTOP TOP");
+  EXPECT_EQ(run.output, "*Warning: No Model For X2.Defaulting  to LEAF\n");
+  EXPECT_EQ(run.deck, Head("-h -z -lSTOP TOP", false) +
+                          "*Definition For Project MID\n"
+                          ".SUBCKT MID 1 2\n"
+                          "R1 1 3 2.000000K\n"
+                          "X2 3 2 LEAF LEAF\n"
+                          "*Warning: No Model For X2.Defaulting to LEAF\n"
+                          "* CROSS-REFERENCE 3\n"
+                          "* B=2\n"
+                          "* M=3\n"
+                          "* A=1\n"
+                          ".ENDS\n"
+                          "\n"
+                          "X1 1 2 MID\n"
+                          "RL 2 0 5.000000\n"
+                          "* Dictionary 3\n"
+                          "* GND=0\n"
+                          "* OUT=2\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n\n");
+}
+
+// SUB is placed in A and in B with its pins in different orders; its first instance sets the
+// order of the .SUBCKT line.
+const char* const kSharedBlock = R"({
+  "symbols": {
+    "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" },
+    "A.1": { "DESC": "a" }, "B.1": { "DESC": "b" }, "SUB.1": { "DESC": "sub" }
+  },
+  "blocks": [
+    { "name": "TOP",
+      "components": [
+        { "label": "X1", "name": "A.1", "type": 2, "child": "A", "pins": [ { "name": "I", "net": "IN" } ] },
+        { "label": "X2", "name": "B.1", "type": 2, "child": "B", "pins": [ { "name": "I", "net": "IN" } ] },
+        { "label": "RIN", "name": "RES.1", "attributes": { "VALUE": "5" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] }
+      ] },
+    { "name": "A",
+      "ports": [ { "name": "I", "net": "I" } ],
+      "nets": [ { "label": "GND", "global": true } ],
+      "components": [
+        { "label": "U1", "name": "SUB.1", "type": 2, "child": "SUB",
+          "pins": [ { "name": "Q", "net": "GND" }, { "name": "P", "net": "I" } ] }
+      ] },
+    { "name": "B",
+      "ports": [ { "name": "I", "net": "I" } ],
+      "nets": [ { "label": "GND", "global": true } ],
+      "components": [
+        { "label": "U2", "name": "SUB.1", "type": 2, "child": "SUB",
+          "pins": [ { "name": "P", "net": "I" }, { "name": "Q", "net": "GND" } ] }
+      ] },
+    { "name": "SUB",
+      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] }
+      ] }
+  ]
+})";
+
+TEST(HierarchicalDeckTest, ABlockPlacedTwiceIsDefinedOnceWithThePinsOfItsFirstInstance) {
+  // An instance label without its prefix gets it in front: U1 becomes XU1.
+  VeskRun run = RunVesk(kSharedBlock, "-h TOP");
+  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+                          "*Definition For Project SUB\n"
+                          ".SUBCKT SUB 2 1\n"
+                          "R1 1 2 2.000000K\n"
+                          "* CROSS-REFERENCE 2\n"
+                          "* Q=2\n"
+                          "* P=1\n"
+                          ".ENDS\n"
+                          "\n"
+                          "\n"
+                          "*Definition For Project A\n"
+                          ".SUBCKT A 1\n"
+                          "XU1 0 1 SUB\n"
+                          "* CROSS-REFERENCE 2\n"
+                          "* I=1\n"
+                          "* GND=0\n"
+                          ".ENDS\n"
+                          "\n"
+                          "\n"
+                          "*Definition For Project B\n"
+                          ".SUBCKT B 1\n"
+                          "XU2 1 0 SUB\n"
+                          "* CROSS-REFERENCE 2\n"
+                          "* GND=0\n"
+                          "* I=1\n"
+                          ".ENDS\n"
+                          "\n"
+                          "X1 1 A\n"
+                          "X2 1 B\n"
+                          "RIN 1 0 5.000000\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n\n");
+}
+
+TEST(FlatHierarchyDeckTest, TwoInstancesOfOneBlockReachTheirNetsByPinName) {
+  VeskRun run = RunVesk(kSharedBlock, "TOP");
+  EXPECT_EQ(run.deck, Head("TOP") +
+                          "RX1U11 1 0 2.000000K\n"
+                          "RX2U21 1 0 2.000000K\n"
+                          "RIN 1 0 5.000000\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(FlatHierarchyDeckTest, ALabelThatEndsAnEarlierPinNameFindsThatPin) {
+  // The pin list of X1 reads "AB,NA;B,NB;": the inner net B meets "B," inside "AB," first.
+  VeskRun run = RunVesk(R"({
+    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+    "blocks": [
+      { "name": "TOP",
+        "components": [
+          { "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB",
+            "pins": [ { "name": "AB", "net": "NA" }, { "name": "B", "net": "NB" } ] } ] },
+      { "name": "SUB",
+        "ports": [ { "name": "AB", "net": "AB" }, { "name": "B", "net": "B" } ],
+        "components": [
+          { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+            "pins": [ { "name": "A", "net": "B" }, { "name": "B", "net": "GND" } ] } ] }
+    ]
+  })",
+                        "TOP");
+  EXPECT_EQ(run.deck, Head("TOP") +
+                          "RX11 1 2 2.000000K\n"
+                          "* Dictionary 2\n"
+                          "* X1\\GND=2\n"
+                          "* NA = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+}  // namespace

@@ -1,18 +1,18 @@
-// Simulates the example divider's decks with ngspice and checks the operating point: the decks
-// that vesk writes for Pspice, HSPICE and Berkeley SPICE, flat and hierarchical, must load and
-// give the voltages that the resistors set.
+// Simulates the example divider's decks with ngspice: the decks that vesk writes for Pspice,
+// HSPICE and Berkeley SPICE, flat and hierarchical, must load, give the operating point that the
+// resistors set, and put the capacitor's pole where its node places it.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cctype>
 #include <cmath>
+#include <complex>
 #include <cstdlib>
 #include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/deck_harness.h"
 
@@ -22,22 +22,18 @@
 
 namespace {
 
-// ngspice reads its first line as the title; what follows is appended to a copy of the deck. A
-// real .end closes the circuit, since the deck's own end mark is the comment "*.END".
-const char* const kOperatingPointControl =
-    ".control\n"
-    "op\n"
-    "print all\n"
-    "quit 0\n"
-    ".endc\n"
-    ".end\n";
-
 // The example: V1 = 10 V on IN; R1 = 1K from IN to MID; inside X1, RA = 1K from MID to OUT and
-// RB = 1K from OUT to ground (CB is open at the operating point). 3K in all carry 10/3 mA.
+// RB = 1K from OUT to ground, with CB = 100N beside RB (open at the operating point). 3K in all
+// carry 10/3 mA.
 constexpr double kIn = 10.0;
 constexpr double kMid = 10.0 * 2000.0 / 3000.0;
 constexpr double kOut = 10.0 * 1000.0 / 3000.0;
 constexpr double kSourceCurrent = -10.0 / 3000.0;  // into the source's + terminal
+
+// A small-signal run with 1 V on IN, at the pole of CB with what drives OUT, 2K || 1K.
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kPoleHertz = 1.0 / (2.0 * kPi * (2000.0 * 1000.0 / 3000.0) * 100e-9);
+const char* const kSmallSignalMark = "small-signal-results";
 
 struct Dialect {
   std::string testName;
@@ -128,9 +124,59 @@ std::string NodeOf(const std::map<std::string, std::string>& dictionary, const s
 
 bool MentionsError(const std::string& text) { return Lower(text).find("error") != std::string::npos; }
 
+/// What a copy of the deck gets behind it: the operating point, then, after a mark line, the
+/// magnitudes at MID and OUT with a 1 V small signal on V1 at the pole frequency. ngspice reads
+/// its first line as the title; the closing .end stands in for the deck's comment "*.END".
+std::string ControlSection(const std::string& midNode, const std::string& outNode) {
+  std::ostringstream text;
+  text.precision(12);
+  text << ".control\n"
+       << "op\n"
+       << "print all\n"
+       << "echo " << kSmallSignalMark << "\n"
+       << "alter @v1[acmag] = 1\n"
+       << "ac lin 1 " << kPoleHertz << " " << kPoleHertz << "\n"
+       << "print vm(" << midNode << ") vm(" << outNode << ")\n"
+       << "quit 0\n"
+       << ".endc\n"
+       << ".end\n";
+  return text.str();
+}
+
+/// Runs ngspice in `folder` on the deck with `control` behind it, in the compatibility mode
+/// `ngBehavior`, set in .spiceinit there (an empty file keeps a user's own away). The deck the
+/// program wrote is left as it is. Returns the exit code; `output` gets both streams.
+int Simulate(const std::string& ngspice, const std::string& folder, const std::string& deck,
+             const std::string& control, const std::string& ngBehavior, std::string& output) {
+  std::ofstream(folder + "/simulate.cir", std::ios::binary) << deck << control;
+  {
+    std::ofstream init(folder + "/.spiceinit", std::ios::binary);
+    if (!ngBehavior.empty()) init << "set ngbehavior=" << ngBehavior << "\n";
+  }
+  std::string errors;
+  int rc = RunProgram(ngspice, "-b simulate.cir", folder, {}, output, errors);
+  output += errors;
+  return rc;
+}
+
+/// Checks that `values` holds exactly the names of `expected`, each with its value. ngspice
+/// prints six significant digits.
+void ExpectValues(const std::map<std::string, double>& values, const std::map<std::string, double>& expected,
+                  const std::string& transcript) {
+  std::set<std::string> names, expectedNames;
+  for (const auto& [name, value] : values) names.insert(name);
+  for (const auto& [name, value] : expected) expectedNames.insert(name);
+  EXPECT_EQ(names, expectedNames) << transcript;
+  for (const auto& [name, value] : expected) {
+    auto found = values.find(name);
+    if (found == values.end()) continue;
+    EXPECT_NEAR(found->second, value, std::fabs(value) * 1e-5) << name << "\n" << transcript;
+  }
+}
+
 class SimulateTest : public ::testing::TestWithParam<Dialect> {};
 
-TEST_P(SimulateTest, OperatingPointOfTheDivider) {
+TEST_P(SimulateTest, OperatingPointAndPoleOfTheDivider) {
   std::string ngspice = FindNgspice();
   if (ngspice.empty())
     GTEST_SKIP() << "ngspice is not installed (scripts/setup installs it): decks not simulated";
@@ -151,38 +197,31 @@ TEST_P(SimulateTest, OperatingPointOfTheDivider) {
     EXPECT_NE(deck.find("\nX1 "), std::string::npos) << deck;
   }
 
-  // The deck stays as written; ngspice reads a copy with the analysis behind it, and the dialect's
-  // compatibility mode from .spiceinit in its working folder (an empty one keeps a user's own away).
-  {
-    std::ofstream(run.folder + "/simulate.cir", std::ios::binary) << deck << kOperatingPointControl;
-    std::ofstream init(run.folder + "/.spiceinit", std::ios::binary);
-    if (!dialect.ngBehavior.empty()) init << "set ngbehavior=" << dialect.ngBehavior << "\n";
-  }
-  std::string output, errors;
-  int rc = RunProgram(ngspice, "-b simulate.cir", run.folder, {}, output, errors);
-  std::string transcript = "deck:\n" + deck + "\nngspice output:\n" + output + errors;
-  ASSERT_EQ(rc, 0) << transcript;
-  EXPECT_FALSE(MentionsError(output + errors)) << transcript;
-
   std::map<std::string, std::string> dictionary = RootDictionary(deck);
-  EXPECT_EQ(NodeOf(dictionary, "GND"), "0") << transcript;
-  std::map<std::string, double> values = ParsePrintAll(output);
-  std::map<std::string, double> expected = {{NodeOf(dictionary, "IN"), kIn},
-                                            {NodeOf(dictionary, "MID"), kMid},
-                                            {NodeOf(dictionary, "OUT"), kOut},
-                                            {"v1#branch", kSourceCurrent}};
-  ASSERT_EQ(expected.size(), 4u) << "IN, MID and OUT share a node:\n" << transcript;
-  // Exactly these vectors: a stray node would be a wrong connection.
-  std::set<std::string> names, expectedNames;
-  for (const auto& [name, value] : values) names.insert(name);
-  for (const auto& [name, value] : expected) expectedNames.insert(name);
-  EXPECT_EQ(names, expectedNames) << transcript;
-  for (const auto& [name, value] : expected) {
-    auto found = values.find(name);
-    if (found == values.end()) continue;
-    // "print all" gives six significant digits.
-    EXPECT_NEAR(found->second, value, std::fabs(value) * 1e-5) << name << "\n" << transcript;
-  }
+  std::string in = NodeOf(dictionary, "IN"), mid = NodeOf(dictionary, "MID"), out = NodeOf(dictionary, "OUT");
+  EXPECT_EQ(NodeOf(dictionary, "GND"), "0") << deck;
+  std::set<std::string> distinct = {in, mid, out, "0"};
+  ASSERT_EQ(distinct.size(), 4u) << "IN, MID, OUT and GND must have nodes of their own:\n" << deck;
+
+  std::string output;
+  int rc = Simulate(ngspice, run.folder, deck, ControlSection(mid, out), dialect.ngBehavior, output);
+  std::string transcript = "deck:\n" + deck + "\nngspice output:\n" + output;
+  ASSERT_EQ(rc, 0) << transcript;
+  EXPECT_FALSE(MentionsError(output)) << transcript;
+  size_t mark = output.find(kSmallSignalMark);
+  ASSERT_NE(mark, std::string::npos) << transcript;
+
+  // Exactly these vectors at the operating point: a stray node would be a wrong connection.
+  ExpectValues(ParsePrintAll(output.substr(0, mark)),
+               {{in, kIn}, {mid, kMid}, {out, kOut}, {"v1#branch", kSourceCurrent}}, transcript);
+
+  // CB must hang at OUT: with Z = RB || CB, OUT = MID * Z / (RA + Z), MID = (RA + Z) / (R1 + RA + Z).
+  std::complex<double> z = 1000.0 / std::complex<double>(1.0, 2.0 * kPi * kPoleHertz * 1000.0 * 100e-9);
+  std::complex<double> midSignal = (1000.0 + z) / (2000.0 + z);
+  std::complex<double> outSignal = midSignal * z / (1000.0 + z);
+  ExpectValues(ParsePrintAll(output.substr(mark)),
+               {{"vm(" + mid + ")", std::abs(midSignal)}, {"vm(" + out + ")", std::abs(outSignal)}},
+               transcript);
 }
 
 const Dialect kDialects[] = {

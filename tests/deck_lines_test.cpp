@@ -224,6 +224,30 @@ TEST(DeckLines, HierarchicalDeckDefaultsToTheFirstPartOfTheName) {
                           "\n");
 }
 
+TEST(DeckLines, UnconnectedPinsGetNodesOfTheirOwnAndANote) {
+  const std::string value = R"("VALUE": "1K")";
+  const std::string open = R"({ "name": "A", "net": "IN" }, { "name": "B" })";
+  std::string design = TopDesign(Comp("R1", "RES.1", value, R"("ORDER": "VALUE$")", open) + ", " +
+                                 Comp("R2", "RES.1", value, R"("ORDER": "VALUE$")", open) + ", " +
+                                 Comp("R3", "RES.1", value, R"("ORDER": "VALUE$", "PINORDER": "B A")",
+                                      R"({ "name": "A", "net": "GND" }, { "name": "B" })"));
+  VeskRun run = RunVesk(design, "TOP");
+  ASSERT_EQ(run.rc, 0) << run.output;
+  // The note of a pin order names the pin; it is a comment, so its blanks stay as they are.
+  EXPECT_EQ(run.deck, Head("TOP") +
+                          "R1 1 N0 1000.000000\n"
+                          "* Pin  is not connected\n"
+                          "R2 1 N1 1000.000000\n"
+                          "* Pin  is not connected\n"
+                          "R3 N2 0 1000.000000\n"
+                          "* Pin R3.B is not connected\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* IN = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
 // Values that refer to other attributes with "@", written for three dialects.
 std::string ReferencesDesign() {
   const std::string value = R"("ORDER": "VALUE$")";

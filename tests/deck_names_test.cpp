@@ -1,0 +1,302 @@
+// Whole decks about names: the characters each dialect allows in a node or instance name, cut
+// names, unique instance names, the deck-name rule with -y and designators, and ground.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/deck_harness.h"
+
+namespace {
+
+// The head of a flat deck after both passes.
+std::string Head(const std::string& options) {
+  return "\n* Project TOP\n"
+         "* Norvane Wirelist Created with Version 6.4.002\n"
+         "* File created <date>\n"
+         "\n"
+         "* Inifile   :\n"
+         "* ConfigFile:  galt\\standard\\vesk.cfg\n"
+         "* Options   :  " +
+         options +
+         "\n"
+         "* Levels    :\n"
+         "*\n";
+}
+
+// Seven nets with characters that some dialects drop, each tied to GND by a resistor.
+const char* const kOddNets = R"({
+  "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+  "blocks": [
+    { "name": "TOP",
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A.B" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "1A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A/B" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R4", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "/A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R5", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "$1N23" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R6", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "IN+" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R7", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "OUT-" }, { "name": "B", "net": "GND" } ] }
+      ] }
+  ]
+})";
+
+// The seven component lines with the given nodes of their first pins.
+std::string OddLines(const char* const (&nodes)[7]) {
+  std::string lines;
+  for (int i = 0; i < 7; ++i) lines += "R" + std::to_string(i + 1) + " " + nodes[i] + " 0 2.000000K\n";
+  return lines;
+}
+
+TEST(LegalNameDeckTest, PspiceKeepsLettersDigitsAndUnderscores) {
+  // A.B and A/B become one node; the entry of $1N23 is an internal name's and stays out.
+  VeskRun run = RunVesk(kOddNets, "-n TOP");
+  EXPECT_EQ(run.deck, Head("-n TOP") + OddLines({"AB", "1A", "AB", "A", "1N23", "IN", "OUT"}) +
+                          "* Dictionary 6\n"
+                          "* OUT-=OUT\n"
+                          "* IN+=IN\n"
+                          "* /A=A\n"
+                          "* A/B=AB\n"
+                          "* GND=0\n"
+                          "* A.B = AB\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(LegalNameDeckTest, HspiceKeepsPunctuationAndPutsNAheadOfADigit) {
+  VeskRun run = RunVesk(kOddNets, "-m -n TOP");
+  EXPECT_EQ(run.deck, Head("-m -n TOP") + OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "IN+", "OUT-"}) +
+                          "* Dictionary 2\n"
+                          "* 1A=N1A\n"
+                          "* GND = 0\n"
+                          "\n"
+                          ".OPTIONS INGOLD=2 CSDF=2\n"
+                          "*.END\n");
+}
+
+TEST(LegalNameDeckTest, BerkeleyWithNodeNamesFollowsTheHspiceRule) {
+  VeskRun run = RunVesk(kOddNets, "-s -n TOP");
+  EXPECT_EQ(run.deck, Head("-s -n TOP") + OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "IN+", "OUT-"}) +
+                          "* Dictionary 2\n"
+                          "* 1A=N1A\n"
+                          "* GND = 0\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(LegalNameDeckTest, AnalogDependenciesSpellPlusAndMinus) {
+  VeskRun run = RunVesk(kOddNets, "-9 -n TOP");
+  EXPECT_EQ(run.deck, Head("-9 -n TOP") + OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "INP", "OUTN"}) +
+                          "* Dictionary 4\n"
+                          "* OUT-=OUTN\n"
+                          "* IN+=INP\n"
+                          "* 1A=N1A\n"
+                          "* GND = 0\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(LegalNameDeckTest, DraculaTakesAnyFirstCharacterAndKeepsMinus) {
+  // The root becomes the only definition, its dictionary a cross reference; the deck has no end mark.
+  VeskRun run = RunVesk(kOddNets, "-e TOP");
+  EXPECT_EQ(run.deck, Head("-e TOP") +
+                          "\n"
+                          "*Definition For Project TOP\n"
+                          ".SUBCKT TOP\n" +
+                          OddLines({"AB", "N1A", "AB", "N/A", "N1N23", "IN", "OUT-"}) +
+                          "* CROSS-REFERENCE 6\n"
+                          "* IN+=IN\n"
+                          "* /A=N/A\n"
+                          "* A/B=AB\n"
+                          "* 1A=N1A\n"
+                          "* GND=0\n"
+                          "* A.B=AB\n"
+                          ".ENDS\n"
+                          "\n"
+                          "* Dictionary 0\n"
+                          "\n");
+}
+
+TEST(LegalNameDeckTest, VerboseDictionaryShowsInternalNames) {
+  VeskRun run = RunVesk(kOddNets, "-v -n TOP");
+  EXPECT_NE(run.deck.find("* $1N23=1N23\n"), std::string::npos) << run.deck;
+}
+
+TEST(LegalNameDeckTest, CutNamesMayMeetAndThenShareANode) {
+  // With three characters both nets are ABC and both instances RLO, the second made unique.
+  VeskRun run = RunVesk(R"({
+    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+    "blocks": [ { "name": "TOP", "components": [
+      { "label": "RLONG1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+        "pins": [ { "name": "A", "net": "ABCD" }, { "name": "B", "net": "GND" } ] },
+      { "label": "RLONG2", "name": "RES.1", "attributes": { "VALUE": "3K" },
+        "pins": [ { "name": "A", "net": "ABCE" }, { "name": "B", "net": "GND" } ] } ] } ]
+  })",
+                        "-c3 -n TOP");
+  EXPECT_EQ(run.deck, Head("-c3 -n TOP") +
+                          "RLO ABC 0 2.000000K\n"
+                          "R0 ABC 0 3.000000K\n"
+                          "* Dictionary 3\n"
+                          "* ABCE=ABC\n"
+                          "* GND=0\n"
+                          "* ABCD = ABC\n"
+                          "\n"
+                          "*.END\n");
+}
+
+// Names that meet: RX11 inside X1 and at the top, three R1 and two C1.
+const char* const kCollisions = R"({
+  "symbols": {
+    "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" },
+    "CAP.1": { "PREFIX": "C", "ORDER": "VALUE$" },
+    "SUB.1": { "DESC": "sub" }
+  },
+  "blocks": [
+    { "name": "TOP",
+      "components": [
+        { "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [ { "name": "P", "net": "A" } ] },
+        { "label": "RX11", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "10P" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "10P" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] }
+      ] },
+    { "name": "SUB",
+      "ports": [ { "name": "P", "net": "P" } ],
+      "nets": [ { "label": "GND", "global": true } ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "GND" } ] } ] }
+  ]
+})";
+
+TEST(UniqueNameDeckTest, AFlatDeckMakesNamesUniqueAcrossTheWholeDesign) {
+  // Names are handed out in walk order; a clash tries the first letter with 0, 1, 2 ...
+  VeskRun run = RunVesk(kCollisions, "TOP");
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.deck, Head("TOP") +
+                          "RX11 1 0 2.000000K\n"
+                          "R0 1 0 2.000000K\n"
+                          "R1 1 0 2.000000K\n"
+                          "R2 1 0 2.000000K\n"
+                          "R3 1 0 2.000000K\n"
+                          "C1 1 0 10.000000P\n"
+                          "C0 1 0 10.000000P\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* A = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(UniqueNameDeckTest, AHierarchicalDeckMakesNamesUniqueWithinEachBlock) {
+  VeskRun run = RunVesk(kCollisions, "-h TOP");
+  EXPECT_EQ(run.deck,
+            "\n* Project TOP\n"
+            "* Norvane Wirelist Created with Version 6.4.002\n"
+            "* File created <date>\n"
+            "* Inifile   :\n"
+            "* ConfigFile:  galt\\standard\\vesk.cfg\n"
+            "* Options   :  -h TOP\n"
+            "* Levels    :\n"
+            "*\n"
+            "*Definition For Project SUB\n"
+            ".SUBCKT SUB 1\n"
+            "R1 1 0 2.000000K\n"
+            "* CROSS-REFERENCE 2\n"
+            "* GND=0\n"
+            "* P=1\n"
+            ".ENDS\n"
+            "\n"
+            "X1 1 SUB\n"
+            "RX11 1 0 2.000000K\n"
+            "R1 1 0 2.000000K\n"
+            "R0 1 0 2.000000K\n"
+            "R2 1 0 2.000000K\n"
+            "C1 1 0 10.000000P\n"
+            "C0 1 0 10.000000P\n"
+            "* Dictionary 2\n"
+            "* GND=0\n"
+            "* A = 1\n"
+            "\n"
+            "*.END\n\n");
+}
+
+// R1 has the attribute MYP, R2 has not; the automatic labels carry designators.
+const char* const kDeckNames = R"({
+  "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+  "blocks": [ { "name": "TOP", "components": [
+    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K", "MYP": "Q" },
+      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+    { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "3K" },
+      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+    { "label": "$1I23", "name": "RES.1", "attributes": { "VALUE": "4K", "REF DESIGNATOR": "U?" },
+      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+    { "label": "$1I24", "name": "RES.1", "attributes": { "VALUE": "5K", "REFDES": "R7" },
+      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
+    { "label": "C1", "name": "RES.1", "attributes": { "VALUE": "6K" },
+      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] } ] } ]
+})";
+
+TEST(DeckNameRuleTest, PrefixGoesAheadOfALabelThatLacksIt) {
+  // U? is no designator; R7 replaces the label, but the prefix test looks at the label $1I24.
+  VeskRun run = RunVesk(kDeckNames, "TOP");
+  EXPECT_EQ(run.deck, Head("TOP") +
+                          "R1 1 0 2.000000K\n"
+                          "R2 1 0 3.000000K\n"
+                          "R1I23 1 0 4.000000K\n"
+                          "RR7 1 0 5.000000K\n"
+                          "RC1 1 0 6.000000K\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* A = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(DeckNameRuleTest, TheAttributeNamedByYReplacesThePrefixWhereItIsSet) {
+  VeskRun run = RunVesk(kDeckNames, "-ymyp TOP");
+  EXPECT_EQ(run.deck, Head("-ymyp TOP") +
+                          "QR1 1 0 2.000000K\n"
+                          "R2 1 0 3.000000K\n"
+                          "R1I23 1 0 4.000000K\n"
+                          "RR7 1 0 5.000000K\n"
+                          "RC1 1 0 6.000000K\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* A = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+TEST(DeckNameRuleTest, BerkeleyInstanceNamesKeepLettersAndDigitsOnly) {
+  VeskRun run = RunVesk(R"({
+    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+    "blocks": [ { "name": "TOP", "components": [
+      { "label": "R_X.1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+        "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] } ] } ]
+  })",
+                        "-s TOP");
+  EXPECT_EQ(run.deck, Head("-s TOP") +
+                          "RX1 1 0 2.000000K\n"
+                          "* Dictionary 2\n"
+                          "* GND=0\n"
+                          "* A = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
+}  // namespace

@@ -163,6 +163,9 @@ const char kSources[] = R"({
         { "label": "E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN",
           "name": "RES.1", "attributes": { "EXCLUDE": "yes" },
           "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
+        { "label": "R4", "name": "RES.1", "attributes": { "VALUE": "2", "TC": "A+B" },
+          "definition": { "ORDER": "VALUE$ TC=" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
         { "label": "X1", "name": "MID.1", "type": 2, "child": "MID", "definition": { "PREFIX": "X" },
           "pins": [ { "name": "P", "net": "IN" }, { "name": "Q", "net": "OUT" } ] },
         { "label": "AC1", "name": "AC.1", "attributes": { "GENERATOR": ".AC", "N": "10" },
@@ -185,7 +188,10 @@ const char kSources[] = R"({
           "attributes": { "SIMMODEL": "vhdl", "VHDL": "lib.stage", "VHDL_GENERIC_MODE": "fast",
                           "VHDL_GENERIC_COEFFICIENT_A": "1111", "VHDL_GENERIC_COEFFICIENT_B": "2",
                           "VHDL_GENERIC_COEFFICIENT_C": "3.5" },
-          "pins": [ { "name": "P", "net": "B" }, { "name": "N", "net": "GND" } ] }
+          "pins": [ { "name": "P", "net": "B" }, { "name": "N", "net": "GND" } ] },
+        { "label": "YU7", "name": "PROBE_VA",
+          "attributes": { "SIMULATION MODEL": "veriloga", "MODEL": "Probe", "VERILOG FILE": "$VA/Sub.Dir/x.V" },
+          "pins": [ { "name": "P", "net": "A" } ] }
       ] }
   ]
 })";
@@ -195,12 +201,13 @@ const char kLongNote[] =
     "E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN\n";
 
 // With "-__" the root comes first and its definitions follow, parents before children; there is
-// no end line and no analysis statement. Lines of 77 characters and more are folded at a blank:
+// no end line and no analysis statement. Values are not quoted. Lines of 77 characters and more are folded at a blank:
 // the blank stays at the end of the first part, or, when it stands at column 77, begins the
 // continuation. Comment lines stay whole.
 TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
   VeskInput input = KelpoDeck();
   input.files["genhdl/TOP/TOP_sources.spi"] = "* generated\n";
+  input.env["VA"] = "expanded";  // "$VA" without braces names no variable
   VeskRun run = RunVesk(kSources, "-_ -__ -7 -h TOP", input);
   ASSERT_EQ(run.rc, 0) << run.output << run.errors;
   EXPECT_EQ(run.output, kLongNote);
@@ -209,6 +216,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
                           "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
                           "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
                           kLongNote +
+                          "R4 IN 0 2.000000 TC=A+B\n"
                           "X1 IN OUT MID\n"
                           "* Dictionary 1\n"
                           "* GND=0\n"
@@ -225,6 +233,8 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
                           "R3 A B 3.000000\n"
                           "YU6 stage GENERIC: COEFFICIENT_A=\"1111\" COEFFICIENT_B=\"2\" COEFFICIENT_C=\"3.5\"\n"
                           "+ MODE=\"fast\" PORT: B 0\n"
+                          ".verilog $VA\\Sub.dir\\x.v\n"
+                          "YU7 Probe PORT: A\n"
                           "* CROSS-REFERENCE 1\n"
                           "* GND=0\n"
                           ".ENDS\n"
@@ -232,6 +242,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
                           "\n"
                           ".model filter macro lang=vhdlams LIB=WORK\n"
                           ".model stage macro lang=vhdlams LIB=lib\n"
+                          ".model Probe macro lang=veriloga\n"
                           "\n");
 }
 
@@ -250,6 +261,8 @@ TEST(KelpoSourcesTest, SourcesOfTheOtherToolNeedTheirSwitch) {
                             ".include ..\\..\\genhdl\\TOP\\TOP_boundaries.cir\n"),
             std::string::npos)
       << plain.deck;
+  // There a value that is no plain number is quoted.
+  EXPECT_NE(plain.deck.find("\nR4 IN 0 2.000000 TC='A+B'\n"), std::string::npos) << plain.deck;
 }
 
 // A flat RC filter with a probed net IN, a voltage probe P1 on OUT, a current probe on R1 and a

@@ -149,6 +149,17 @@ TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
   EXPECT_FALSE(run.Exists("TOP.cir"));
 }
 
+// The map lies under genhdl whatever folder and name the deck is given.
+TEST(KelpoHierarchyTest, MapStaysInTheGeneratedFolder) {
+  VeskInput input = KelpoDeck();
+  input.deckPath = "out/deck.cir";
+  VeskRun run = RunVesk(kHierarchy, "-_ -h -%out -!deck TOP", input);
+  ASSERT_EQ(run.rc, 0) << run.errors;
+  EXPECT_NE(run.deck.find("X1 IN OUT AMP\n"), std::string::npos) << run.deck;
+  EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"), kHierarchyMap);
+  EXPECT_FALSE(run.Exists("genhdl/TOP/TOP.cir"));
+}
+
 // Three levels: TOP places MID, MID places LEAF. Long VHDL-AMS lines in TOP and LEAF.
 const char kSources[] = R"({
   "blocks": [

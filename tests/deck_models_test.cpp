@@ -200,6 +200,29 @@ TEST(MappedModelDeckTest, FirstRunCreatesTheParameterFile) {
             "\n*opamp $7ai1\n+ GAIN=200\n+ RIN=2MEG\n*end\n*opamp $7ai2\n+ RIN=2MEG\n*end");
 }
 
+// A parameter file that cannot be read or written is passed over: the instances get no
+// parameters, and the run neither fails nor touches it.
+TEST(MappedModelDeckTest, ParameterFileThatIsAFolderIsPassedOver) {
+  VeskInput input = KelpoDeck();
+  input.files["Sym/Models_Info.xml"] = kOpAmpMapping;
+  input.files["sym/OpAmp.mod"] = ".SUBCKT opamp IN OUT\nRIN IN OUT 1MEG\n.ENDS\n";
+  input.files["sym/OpAmp-param.txt/keep"] = "folder content";
+  VeskRun run = RunVesk(kOpAmps, "-_ -h TOP", input);
+  ASSERT_EQ(run.rc, 0) << run.errors;
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.deck, std::string(kHead) +
+                          "XU1 IN OUT OpAmp\n"
+                          "XU2 OUT 0 OpAmp\n"
+                          "* Dictionary 1\n"
+                          "* GND=0\n"
+                          ".include \"..\\..\\sym\\OpAmp.mod\"\n"
+                          "\n"
+                          "*.END\n"
+                          "\n");
+  EXPECT_EQ(run.Read("sym/OpAmp-param.txt/keep"), "folder content");
+  EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"OpAmp-param.txt", "OpAmp.mod"}));
+}
+
 // Two instances of the VHDL-AMS model mylib.counter(rtl). U1 overrides WIDTH by an attribute and
 // has values in the instance file; U2 has neither. The model's ports list the bus bits, so the
 // bus pin is split into its bits, and RST is not assigned.

@@ -160,6 +160,17 @@ TEST(KelpoHierarchyTest, MapStaysInTheGeneratedFolder) {
   EXPECT_FALSE(run.Exists("genhdl/TOP/TOP.cir"));
 }
 
+// The ".global" lines stand behind the end line.
+TEST(KelpoHierarchyTest, GlobalsFollowTheEndLine) {
+  const char design[] = R"({ "blocks": [ { "name": "TOP", "nets": [ { "label": "VDD", "global": true } ],
+    "components": [ { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
+      "definition": { "ORDER": "VALUE$" }, "pins": [ { "name": "A", "net": "VDD" }, { "name": "B", "net": "GND" } ] } ] } ] })";
+  VeskRun run = RunVesk(design, "-_ TOP", KelpoDeck());
+  ASSERT_EQ(run.rc, 0) << run.errors;
+  EXPECT_EQ(run.deck, Head("-_ TOP", true) +
+                          "R1 VDD 0 1000.000000\n* Dictionary 1\n* GND = 0\n\n*.END\n\n*Globals\n.global VDD\n");
+}
+
 // Three levels: TOP places MID, MID places LEAF. Long VHDL-AMS lines in TOP and LEAF.
 const char kSources[] = R"({
   "blocks": [

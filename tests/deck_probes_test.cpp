@@ -1,0 +1,266 @@
+// Whole decks of hierarchical probe designs: the probe pass's print statements in every
+// dialect, analyses from a header file, .probe/csdf items, duplicates, initial conditions.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/deck_harness.h"
+
+namespace {
+
+// TOP places AMP twice and probes OUT; AMP senses the current of R1, probes MID and
+// places BUF, which probes Q. Hierarchical instances carry an (empty) ORDER.
+const char* const kDesign = R"({
+  "symbols": {
+    "RES.1":  { "PREFIX": "R", "ORDER": "VALUE$" },
+    "VSRC.1": { "PREFIX": "V", "ORDER": "\"DC\" VALUE$" }
+  },
+  "blocks": [
+    { "name": "TOP",
+      "components": [
+        { "label": "V1", "name": "VSRC.1", "attributes": { "VALUE": "5" },
+          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
+        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "ORDER": "" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "X2", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "ORDER": "" },
+          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
+        { "label": "P1", "name": "VPROBE.1", "attributes": { "PROBE": "V" },
+          "pins": [ { "name": "A", "net": "OUT" } ] }
+      ] },
+    { "name": "AMP",
+      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "MID" } ] },
+        { "label": "X3", "name": "BUF.1", "type": 2, "child": "BUF", "attributes": { "ORDER": "" },
+          "pins": [ { "name": "P", "net": "MID" }, { "name": "Q", "net": "B" } ] },
+        { "label": "P2", "name": "VPROBE.1", "attributes": { "PROBE": "V" },
+          "pins": [ { "name": "A", "net": "MID" } ] }
+      ] },
+    { "name": "BUF",
+      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+      "components": [
+        { "label": "R9", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] },
+        { "label": "P3", "name": "VPROBE.1", "attributes": { "PROBE": "V" },
+          "pins": [ { "name": "A", "net": "Q" } ] }
+      ] }
+  ]
+})";
+
+const char kAcTranHeader[] = ".ac dec 10 1 1k\n.tran 1n 10n\n.probe/csdf V(IN)\n";
+
+// The head of a deck after the probe pass, which drops the empty line behind the date.
+std::string Head(const std::string& options) {
+  return "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n"
+         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " +
+         options + "\n* Levels    :\n*\n";
+}
+
+// Definitions and root lines with node names (-n), markers gone. A .ENDS followed by the
+// empty line that opens the next definition keeps two empty lines.
+const char kNamedBody[] =
+    "*Definition For Project BUF\n.SUBCKT BUF P Q\nR9 P Q 2.000000K\n* CROSS-REFERENCE 0\n.ENDS\n\n\n"
+    "*Definition For Project AMP\n.SUBCKT AMP A B\nR1 A MID 1000.000000\nX3 MID B BUF\n"
+    "* CROSS-REFERENCE 0\n.ENDS\n\n"
+    "V1 IN 0 DC 5.000000\nX1 IN OUT AMP\nX2 OUT 0 AMP\n* Dictionary 1\n* GND=0\n";
+
+// The same with node numbers.
+const char kNumberedBody[] =
+    "*Definition For Project BUF\n.SUBCKT BUF 1 2\nR9 1 2 2.000000K\n* CROSS-REFERENCE 2\n* Q=2\n* P=1\n"
+    ".ENDS\n\n\n"
+    "*Definition For Project AMP\n.SUBCKT AMP 1 2\nR1 1 3 1000.000000\nX3 3 2 BUF\n"
+    "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.ENDS\n\n"
+    "V1 1 0 DC 5.000000\nX1 1 2 AMP\nX2 2 0 AMP\n* Dictionary 3\n* OUT=2\n* GND=0\n";
+
+// Runs the design with a header file hdr.inc.
+VeskRun RunWithHeader(const std::string& args, const std::string& header,
+                      const std::string& deckPath = "TOP.cir") {
+  VeskInput input;
+  input.files["hdr.inc"] = header;
+  input.deckPath = deckPath;
+  return RunVesk(kDesign, args, input);
+}
+
+// Probe paths run through the top-level instances in deck order, each instance's probes
+// before those of the instances it places; the root's own probe OUT comes with X2's stretch.
+TEST(DeckProbesTest, PspiceProbeWordWritesDecibelAndPhaseUnderCsdfForAc) {
+  const std::string args = "-h -n -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args, kAcTranHeader);
+  EXPECT_EQ(run.rc, 0);
+  EXPECT_EQ(run.output, "");
+  std::string statements;
+  for (const char* path : {"[X1.MID]", "(X1.R1)", "[X1.X3.Q]", "[OUT]", "[X2.MID]", "(X2.R1)", "[X2.X3.Q]"}) {
+    const std::string p = path;
+    const bool current = p[0] == '(';
+    const std::string t = current ? "I" : "V";
+    const std::string probe = current ? p : "(" + p + ")";
+    statements += ".PROBE/CSDF\n" + t + "DB" + probe + " " + t + "P" + probe + "\n.PROBE " + t + probe + "\n";
+  }
+  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
+                          ".PROBE  V(IN)\n\n*.END\n\n");
+}
+
+// Node numbers need no brackets; the .probe/csdf items come newest first, each once, and
+// the last one keeps its two blanks, standing ahead of an empty line. ".TRAN" in capitals
+// is no analysis for the pass, while a lower-case .mc line names one.
+TEST(DeckProbesTest, PspicePrintWordWithNumbersAndItems) {
+  const std::string args = "-h -w -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(
+      args,
+      ".dc V1 0 5 0.1\n.TRAN 1n 10n\n.mc 10 tran V(1) YMAX\n.probe/csdf V(1)\n.probe/csdf I(V1)\n"
+      ".probe/csdf V(1)\n");
+  std::string statements;
+  for (const char* probe :
+       {"V(X1.3)", "I(X1.R1)", "V(X1.X3.2)", "V(2)", "V(X2.3)", "I(X2.R1)", "V(X2.X3.2)", "I(V1)"})
+    statements += std::string(".PRINT DC ") + probe + "\n.PRINT TRAN " + probe + "\n";
+  EXPECT_EQ(run.deck, Head(args) + ".dc V1 0 5 0.1\n.TRAN 1n 10n\n.mc 10 tran V(1) YMAX\n" + kNumberedBody +
+                          "* IN=1\n" + statements + ".PRINT DC V(1)\n.PRINT TRAN  V(1)\n\n*.END\n\n");
+}
+
+// The statements of the HSPICE and Kelpo kinds: decibel and phase under every analysis.
+std::string DecibelStatements(const std::string& word) {
+  std::string text;
+  for (const char* path : {"V:X1.MID", "I:X1.R1", "V:X1.X3.Q", "V:OUT", "V:X2.MID", "I:X2.R1", "V:X2.X3.Q"}) {
+    const std::string t(path, 1), p(path + 2);
+    for (const char* analysis : {" AC ", " TRAN "})
+      text += word + analysis + t + "DB(" + p + ") " + t + "P(" + p + ")\n";
+  }
+  return text;
+}
+
+TEST(DeckProbesTest, HspiceStatementsFollowTheOptionsLine) {
+  const std::string args = "-h -m -n -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args, kAcTranHeader);
+  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody +
+                          ".OPTIONS INGOLD=2 CSDF=2\n" + DecibelStatements(".PROBE") +
+                          ".PROBE  V(IN)\n\n*.END\n\n");
+}
+
+TEST(DeckProbesTest, KelpoDeckInItsFolderGetsTheDecibelForm) {
+  const std::string args = "-_ -h -n -w -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args, kAcTranHeader, "genhdl/TOP/TOP.cir");
+  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody +
+                          DecibelStatements(".PRINT") + ".PRINT AC V(IN)\n.PRINT TRAN  V(IN)\n\n*.END\n\n");
+}
+
+TEST(DeckProbesTest, BerkeleyPrintsPlainValuesUnderEachAnalysis) {
+  const std::string args = "-h -s -n -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args, kAcTranHeader);
+  std::string statements;
+  for (const char* probe :
+       {"V(X1.MID)", "I(X1.R1)", "V(X1.X3.Q)", "V(OUT)", "V(X2.MID)", "I(X2.R1)", "V(X2.X3.Q)"})
+    statements += std::string(".PRINT AC ") + probe + "\n.PRINT TRAN " + probe + "\n";
+  // The items follow the print word, which stays ".PROBE" without -w.
+  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
+                          ".PROBE  V(IN)\n\n*.END\n\n");
+}
+
+// -9: only the AC form is written, and the items give way to one .PROBE/CSDF line.
+TEST(DeckProbesTest, AnalogDependenciesKeepOnlyTheCsdfStatements) {
+  const std::string args = "-h -9 -n -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args, kAcTranHeader);
+  std::string statements;
+  for (const char* probe :
+       {"VDB([X1.MID]) VP([X1.MID])", "IDB(X1.R1) IP(X1.R1)", "VDB([X1.X3.Q]) VP([X1.X3.Q])",
+        "VDB([OUT]) VP([OUT])", "VDB([X2.MID]) VP([X2.MID])", "IDB(X2.R1) IP(X2.R1)",
+        "VDB([X2.X3.Q]) VP([X2.X3.Q])"})
+    statements += std::string(".PROBE/CSDF\n") + probe + "\n";
+  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
+                          ".PROBE/CSDF\n\n*.END\n\n");
+}
+
+TEST(DeckProbesTest, WithoutAnalysisOnlyProbeItemsComeBack) {
+  VeskRun probe = RunWithHeader("-h -ghdr.inc TOP", ".TRAN 1n 10n\n.probe/csdf V(1)\n");
+  EXPECT_EQ(probe.deck, Head("-h -ghdr.inc TOP") + ".TRAN 1n 10n\n" + kNumberedBody +
+                            "* IN=1\n.PROBE  V(1)\n\n*.END\n\n");
+  // Under .PRINT an item needs an analysis: nothing but the empty line is written, and
+  // the dictionary's last entry, now ahead of it, keeps its blanks.
+  VeskRun print = RunWithHeader("-h -w -ghdr.inc TOP", ".TRAN 1n 10n\n.probe/csdf V(1)\n");
+  EXPECT_EQ(print.deck,
+            Head("-h -w -ghdr.inc TOP") + ".TRAN 1n 10n\n" + kNumberedBody + "* IN = 1\n\n*.END\n\n");
+}
+
+// -i leaves the deck to the post-process pass alone: markers and items stay as comments
+// and dot commands, and the empty lines of the generator are all there.
+TEST(DeckProbesTest, IgnorePrintsKeepsTheMarkers) {
+  const std::string args = "-h -i -n -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args, kAcTranHeader);
+  EXPECT_EQ(
+      run.deck,
+      "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
+      "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " +
+          args +
+          "\n* Levels    :\n*\n.ac dec 10 1 1k\n.tran 1n 10n\n.probe/csdf V(IN)\n\n"
+          "*Definition For Project BUF\n.SUBCKT BUF P Q\nR9 P Q 2.000000K\n* voltage probe on node :  Q\n\n"
+          "* CROSS-REFERENCE 0\n\n.ENDS\n\n\n"
+          "*Definition For Project AMP\n.SUBCKT AMP A B\n* next line is a current sense\n"
+          "R1 A MID 1000.000000\nX3 MID B BUF\n* voltage probe on node :  MID\n\n* CROSS-REFERENCE 0\n\n"
+          ".ENDS\n\n"
+          "V1 IN 0 DC 5.000000\nX1 IN OUT AMP\nX2 OUT 0 AMP\n* voltage probe on node :  OUT\n\n"
+          "* Dictionary 1\n* GND = 0\n\n*.END\n");
+}
+
+// Duplicates are told by their full path on the console, subcircuits first; the deck keeps
+// both definitions. A comment inside a model card is lost, its "+" line stays.
+TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
+  const std::string args = "-h -n -ghdr.inc TOP";
+  VeskRun run = RunWithHeader(args,
+                              ".SUBCKT AMP 1 2\n.model DX D\nR1 1 2 1K\n.ENDS\n"
+                              ".model QX NPN (BF=100) * comment\n* note\n+ IS=1E-15\n.MODEL QX PNP\n"
+                              ".model DX D\n.SUBCKT AMP 1 2\n.ENDS\n.tran 1n 10n\n");
+  EXPECT_EQ(run.output,
+            "Duplicate sub-circuit definition: AMP\nDuplicate sub-circuit definition: AMP\n"
+            "Duplicate model definition: QX\n");
+  std::string statements;
+  for (const char* probe :
+       {"V([X1.MID])", "I(X1.R1)", "V([X1.X3.Q])", "V([OUT])", "V([X2.MID])", "I(X2.R1)", "V([X2.X3.Q])"})
+    statements += std::string(".PROBE ") + probe + "\n";
+  EXPECT_EQ(run.deck, Head(args) +
+                          ".SUBCKT AMP 1 2\n.model DX D\nR1 1 2 1K\n.ENDS\n\n"
+                          ".model QX NPN (BF=100) * comment\n+ IS=1E-15\n.MODEL QX PNP\n.model DX D\n"
+                          ".SUBCKT AMP 1 2\n.ENDS\n\n.tran 1n 10n\n" +
+                          kNamedBody + statements + "\n*.END\n\n");
+}
+
+// Initial conditions: one statement per kind, pairs in label order, written at the end of
+// the definition or root whose nets carry them; HSPICE and Berkeley put no brackets.
+const char* const kInitialDesign = R"({
+  "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+  "blocks": [
+    { "name": "TOP",
+      "nets": [
+        { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
+        { "label": "IN",  "attributes": { "NODESET": "5", "GUESS": "4" } }
+      ],
+      "components": [
+        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "ORDER": "" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
+          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
+      ] },
+    { "name": "AMP",
+      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "nets": [ { "label": "MID", "attributes": { "IC": "0" } } ],
+      "components": [
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
+          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "MID" } ] },
+        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "1K" },
+          "pins": [ { "name": "A", "net": "MID" }, { "name": "B", "net": "B" } ] }
+      ] }
+  ]
+})";
+
+TEST(DeckProbesTest, InitialConditionsInEachDialect) {
+  const std::string body =
+      "*Definition For Project AMP\n.SUBCKT AMP 1 2\nR1 1 3 1000.000000\nR2 3 2 1000.000000\n"
+      "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.IC V(MID)=0\n.ENDS\n\n"
+      "X1 1 2 AMP\nR1 2 0 1000.000000\n* Dictionary 3\n* GND=0\n* OUT=2\n* IN=1\n"
+      ".NODESET V(IN)=5 V(OUT)=1.5\n.IC V(OUT)=0.2\n.GUESS V(IN)=4\n";
+  VeskRun hspice = RunVesk(kInitialDesign, "-h -m TOP");
+  EXPECT_EQ(hspice.deck, Head("-h -m TOP") + body + ".OPTIONS INGOLD=2 CSDF=2\n\n*.END\n\n");
+  VeskRun berkeley = RunVesk(kInitialDesign, "-s -h TOP");
+  EXPECT_EQ(berkeley.deck, Head("-s -h TOP") + body + "\n*.END\n\n");
+}
+
+}  // namespace

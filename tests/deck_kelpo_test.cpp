@@ -11,7 +11,8 @@ namespace {
 // The comment block at the head of every deck, as the passes leave it. A flat deck keeps the
 // empty line behind the date; the probe pass of a hierarchical deck drops it.
 std::string Head(const std::string& options, bool flat) {
-  return std::string("\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n") +
+  return std::string(
+             "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n") +
          (flat ? "\n" : "") +
          "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " + options +
          "\n* Levels    :\n*\n";
@@ -167,8 +168,9 @@ TEST(KelpoHierarchyTest, GlobalsFollowTheEndLine) {
       "definition": { "ORDER": "VALUE$" }, "pins": [ { "name": "A", "net": "VDD" }, { "name": "B", "net": "GND" } ] } ] } ] })";
   VeskRun run = RunVesk(design, "-_ TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.deck, Head("-_ TOP", true) +
-                          "R1 VDD 0 1000.000000\n* Dictionary 1\n* GND = 0\n\n*.END\n\n*Globals\n.global VDD\n");
+  EXPECT_EQ(run.deck,
+            Head("-_ TOP", true) +
+                "R1 VDD 0 1000.000000\n* Dictionary 1\n* GND = 0\n\n*.END\n\n*Globals\n.global VDD\n");
 }
 
 // Three levels: TOP places MID, MID places LEAF. Long VHDL-AMS lines in TOP and LEAF.
@@ -223,8 +225,8 @@ const char kLongNote[] =
     "E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN\n";
 
 // With "-__" the root comes first and its definitions follow, parents before children; there is
-// no end line and no analysis statement. Values are not quoted. Lines of 77 characters and more are folded at a blank:
-// the blank stays at the end of the first part, or, when it stands at column 77, begins the
+// no end line and no analysis statement. Values are not quoted. Lines of 77 characters and more are folded at
+// a blank: the blank stays at the end of the first part, or, when it stands at column 77, begins the
 // continuation. Comment lines stay whole.
 TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
   VeskInput input = KelpoDeck();
@@ -233,39 +235,40 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
   VeskRun run = RunVesk(kSources, "-_ -__ -7 -h TOP", input);
   ASSERT_EQ(run.rc, 0) << run.output << run.errors;
   EXPECT_EQ(run.output, kLongNote);
-  EXPECT_EQ(run.deck, Head("-_ -__ -7 -h TOP", false) +
-                          ".include \"..\\..\\genhdl\\TOP\\TOP_sources.spi\"\n"
-                          "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
-                          "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
-                          kLongNote +
-                          "R4 IN 0 2.000000 TC=A+B\n"
-                          "X1 IN OUT MID\n"
-                          "* Dictionary 1\n"
-                          "* GND=0\n"
-                          "*Definition For Project MID\n"
-                          ".SUBCKT MID P Q\n"
-                          "X2 P Q LEAF\n"
-                          "R2 P Q 2.000000K\n"
-                          "* CROSS-REFERENCE 0\n"
-                          ".ENDS\n"
-                          "\n"
-                          "\n"
-                          "*Definition For Project LEAF\n"
-                          ".SUBCKT LEAF A B\n"
-                          "R3 A B 3.000000\n"
-                          "YU6 stage GENERIC: COEFFICIENT_A=\"1111\" COEFFICIENT_B=\"2\" COEFFICIENT_C=\"3.5\"\n"
-                          "+ MODE=\"fast\" PORT: B 0\n"
-                          ".verilog $VA\\Sub.dir\\x.v\n"
-                          "YU7 Probe PORT: A\n"
-                          "* CROSS-REFERENCE 1\n"
-                          "* GND=0\n"
-                          ".ENDS\n"
-                          "\n"
-                          "\n"
-                          ".model filter macro lang=vhdlams LIB=WORK\n"
-                          ".model stage macro lang=vhdlams LIB=lib\n"
-                          ".model Probe macro lang=veriloga\n"
-                          "\n");
+  EXPECT_EQ(run.deck,
+            Head("-_ -__ -7 -h TOP", false) +
+                ".include \"..\\..\\genhdl\\TOP\\TOP_sources.spi\"\n"
+                "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
+                "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
+                kLongNote +
+                "R4 IN 0 2.000000 TC=A+B\n"
+                "X1 IN OUT MID\n"
+                "* Dictionary 1\n"
+                "* GND=0\n"
+                "*Definition For Project MID\n"
+                ".SUBCKT MID P Q\n"
+                "X2 P Q LEAF\n"
+                "R2 P Q 2.000000K\n"
+                "* CROSS-REFERENCE 0\n"
+                ".ENDS\n"
+                "\n"
+                "\n"
+                "*Definition For Project LEAF\n"
+                ".SUBCKT LEAF A B\n"
+                "R3 A B 3.000000\n"
+                "YU6 stage GENERIC: COEFFICIENT_A=\"1111\" COEFFICIENT_B=\"2\" COEFFICIENT_C=\"3.5\"\n"
+                "+ MODE=\"fast\" PORT: B 0\n"
+                ".verilog $VA\\Sub.dir\\x.v\n"
+                "YU7 Probe PORT: A\n"
+                "* CROSS-REFERENCE 1\n"
+                "* GND=0\n"
+                ".ENDS\n"
+                "\n"
+                "\n"
+                ".model filter macro lang=vhdlams LIB=WORK\n"
+                ".model stage macro lang=vhdlams LIB=lib\n"
+                ".model Probe macro lang=veriloga\n"
+                "\n");
 }
 
 // Without "-7" the generated sources are not included, even when they are there.
@@ -372,8 +375,9 @@ TEST(KelpoAnalysesTest, StatementsInKeyOrderAndProbesPerAnalysis) {
 TEST(KelpoAnalysesTest, NoiseWithoutAcAndFourierWithoutTranAreRefused) {
   VeskRun run = RunVesk(Analyses(std::string(kFour) + kNoise + kDc), "-_ -w TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.output,
-            "Error :Fourier analysis requires oscilloscope Error: Noise generator (.NOISE) requires Bode Plot");
+  EXPECT_EQ(
+      run.output,
+      "Error :Fourier analysis requires oscilloscope Error: Noise generator (.NOISE) requires Bode Plot");
   EXPECT_EQ(run.deck, Head("-_ -w TOP", true) + kCircuit +
                           ".DC V1 0 5.000000 1\n"
                           "* Dictionary 1\n"

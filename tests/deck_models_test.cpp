@@ -180,8 +180,8 @@ TEST(MappedModelDeckTest, SubcircuitSectionsFollowTheirInstanceLines) {
 
   // A second run in the same folder keeps one section for each instance.
   std::string output, errors;
-  ASSERT_EQ(RunProgram(BinaryDir() + "/vesk", "-_ -h TOP", run.folder, {{"GALT_HOME", "galt"}}, output, errors),
-            0);
+  ASSERT_EQ(
+      RunProgram(BinaryDir() + "/vesk", "-_ -h TOP", run.folder, {{"GALT_HOME", "galt"}}, output, errors), 0);
   EXPECT_EQ(run.Read("sym/OpAmp-param.txt"),
             "*opamp $7ai9\n+ GAIN=50\n*end\n*opamp $7ai1\n+ GAIN=200\n+ RIN=2MEG\n*end\n"
             "\n*opamp $7ai2\n+ RIN=2MEG\n*end");
@@ -319,17 +319,18 @@ TEST(MappedModelDeckTest, FlatDeckReadsNoMapping) {
   input.files["sym/Instances_Info.xml"] = kCounterInstances;
   VeskRun run = RunVesk(kCounters, "-_ TOP", input);
   ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.deck,
-            "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
-            "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ TOP\n* Levels    :\n*\n"
-            "YU1 counter(rtl) PORT: CK D QO 0\n"
-            "YU2 counter(rtl) PORT: CK D QO 0\n"
-            "R1 QO 0 1000.000000\n"
-            "* Dictionary 1\n"
-            "* GND = 0\n"
-            "\n"
-            ".model counter(rtl) macro lang=vhdlams LIB=mylib\n"
-            "*.END\n");
+  EXPECT_EQ(
+      run.deck,
+      "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
+      "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ TOP\n* Levels    :\n*\n"
+      "YU1 counter(rtl) PORT: CK D QO 0\n"
+      "YU2 counter(rtl) PORT: CK D QO 0\n"
+      "R1 QO 0 1000.000000\n"
+      "* Dictionary 1\n"
+      "* GND = 0\n"
+      "\n"
+      ".model counter(rtl) macro lang=vhdlams LIB=mylib\n"
+      "*.END\n");
 }
 
 }  // namespace

@@ -45,12 +45,14 @@ std::string Mapping(const std::string& extra = "", const std::string& part = "<I
 
 const char kInstances[] =
     "<Instances><Block Name=\"CNT\"><Instance Name=\"$7AI1\"><Model Name=\"counter\" Library=\"mylib\">"
-    "<Params><Param Name=\"WIDTH\" Type=\"integer\">32</Param></Params></Model></Instance></Block></Instances>";
+    "<Params><Param Name=\"WIDTH\" "
+    "Type=\"integer\">32</Param></Params></Model></Instance></Block></Instances>";
 
 // The deck with the given line for U1.
 std::string Deck(const std::string& u1) {
   return "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n"
-         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ -h TOP\n* Levels    :\n*\n" +
+         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ -h TOP\n* Levels    "
+         ":\n*\n" +
          u1 +
          "\nR1 QO 0 1000.000000\n"
          "* Dictionary 1\n"
@@ -159,9 +161,9 @@ TEST(XmlRobustnessTest, EntityExpansionIsRefused) {
   EXPECT_EQ(run.deck, Deck("YU1 counter GENERIC: WIDTH=\"32\" PORT: 0 CK QO"));
 
   // The same in the instance file, with the entity in the value that would be read.
-  VeskRun instances = RunWith(Mapping(), "<?xml version=\"1.0\"?>\n" + laughs + std::string(kInstances).replace(
-                                                                                    std::string(kInstances).find("32"),
-                                                                                    2, "&k;"));
+  VeskRun instances =
+      RunWith(Mapping(), "<?xml version=\"1.0\"?>\n" + laughs +
+                             std::string(kInstances).replace(std::string(kInstances).find("32"), 2, "&k;"));
   EXPECT_EQ(instances.output, kInstancesError);
   EXPECT_EQ(instances.deck, Deck("YU1 counter GENERIC: WIDTH=\"4\" PORT: CK QO"));
 }

@@ -125,6 +125,42 @@ TEST(FlatHierarchyDeckTest, ALevelMatchesExactly) {
   EXPECT_NE(run.deck.find("RX1X21 2 3 3.000000K\n"), std::string::npos) << run.deck;
 }
 
+TEST(FlatHierarchyDeckTest, ABlockPlacedInsideAStoppedBlockStillShowsItsComponents) {
+  // X2 stops by its instance attribute "Level"; TINY inside LEAF is not stopped, but the pins of
+  // X3 were never recorded, so its net T takes the whole instance path.
+  VeskRun run = RunVesk(R"({
+    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
+    "blocks": [
+      { "name": "TOP", "components": [
+        { "label": "X1", "name": "MID.1", "type": 2, "child": "MID", "pins": [ { "name": "A", "net": "IN" } ] },
+        { "label": "R0", "name": "RES.1", "attributes": { "VALUE": "3K" },
+          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] } ] },
+      { "name": "MID", "ports": [ { "name": "A", "net": "A" } ], "components": [
+        { "label": "X2", "name": "LEAF.1", "type": 2, "child": "LEAF", "attributes": { "Level": "STOP" },
+          "pins": [ { "name": "P", "net": "A" } ] } ] },
+      { "name": "LEAF", "ports": [ { "name": "P", "net": "P" } ],
+        "nets": [ { "label": "GND", "global": true } ], "components": [
+        { "label": "X3", "name": "TINY.1", "type": 2, "child": "TINY", "pins": [ { "name": "T", "net": "P" } ] },
+        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
+          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "GND" } ] } ] },
+      { "name": "TINY", "ports": [ { "name": "T", "net": "T" } ],
+        "nets": [ { "label": "GND", "global": true } ], "components": [
+        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" },
+          "pins": [ { "name": "A", "net": "T" }, { "name": "B", "net": "GND" } ] } ] }
+    ]
+  })",
+                        "-lSTOP TOP");
+  EXPECT_EQ(run.deck, Head("-lSTOP TOP") +
+                          "RX1X2X32 1 0 2.000000K\n"
+                          "R0 2 0 3.000000K\n"
+                          "* Dictionary 3\n"
+                          "* IN=2\n"
+                          "* GND=0\n"
+                          "* X1\\X2\\X3\\T = 1\n"
+                          "\n"
+                          "*.END\n");
+}
+
 TEST(HierarchicalDeckTest, EachBlockIsDefinedOnceChildrenFirst) {
   // Each definition numbers its own nodes, ports first; the root's lines follow the definitions.
   VeskRun run = RunVesk(kThreeLevels, "-h TOP");

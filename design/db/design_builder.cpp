@@ -252,7 +252,13 @@ uint32_t DesignBuilder::NetOfLabel(size_t block, uint32_t label) {
 
 void DesignBuilder::ResolveBlockLinks(size_t block) {
   BlockRec& b = d_.blocks[block];
-  netOfLabel_.clear();
+  // Clearing costs the map's bucket count: after a large block, start from a fresh map so that
+  // many small blocks behind it do not each pay for the large one.
+  if (netOfLabel_.bucket_count() > 64 + 4 * static_cast<size_t>(b.netsEnd - b.netsBegin)) {
+    decltype(netOfLabel_)().swap(netOfLabel_);
+  } else {
+    netOfLabel_.clear();
+  }
   for (uint32_t n = b.netsBegin; n < b.netsEnd; ++n) netOfLabel_.emplace(d_.nets[n].label, n);
   for (uint32_t p = b.portsBegin; p < b.portsEnd; ++p) {
     const PortRec& port = d_.ports[p];

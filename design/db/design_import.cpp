@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 
 #include "design/db/design_builder.h"
 #include "design/db/design_store.h"
@@ -20,7 +21,11 @@ std::string DatabaseFolder(const std::string& projectDir) {
 // Writes the design into `folder` under a temporary name and renames it over the database file.
 bool StoreDesign(const vdb::Design& design, const std::string& folder, std::string& error) {
   bool created = !PathExists(folder);
-  if (created) MakeFolder(folder);
+  if (created) {
+    // The project folder itself is made as well when it is new.
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+  }
   std::string file = folder + "/" + vdb::kDatabaseFile;
   std::string temp = file + ".new-" + std::to_string(getpid());
   std::remove(temp.c_str());

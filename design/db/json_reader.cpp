@@ -1,6 +1,8 @@
 // Streams a JSON design description into a DesignBuilder, one component at a time.
 #include "design/db/json_reader.h"
 
+#include <memory>
+#include <unordered_set>
 #include <vector>
 
 namespace vdb {
@@ -21,16 +23,21 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
   bool string(string_t& val) override { return Value(Json(std::move(val))); }
   bool binary(binary_t&) override { return Value(Json()); }
   bool start_object(std::size_t) override {
-    stack_.push_back(Frame{Json::object(), {}, 0});
+    stack_.push_back(Frame{Json::object(), {}, 0, nullptr});
     return true;
   }
+  // A key given twice would silently replace (or, for `blocks`, mix up) what came first.
   bool key(string_t& val) override {
+    if (SeenKey(stack_.back(), val)) {
+      error_ = PathTo(val) + ": duplicate key";
+      return false;
+    }
     stack_.back().key = val;
     return true;
   }
   bool end_object() override { return Pop(); }
   bool start_array(std::size_t) override {
-    stack_.push_back(Frame{Json::array(), {}, 0});
+    stack_.push_back(Frame{Json::array(), {}, 0, nullptr});
     return true;
   }
   bool end_array() override { return Pop(); }
@@ -46,7 +53,26 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     Json value;
     std::string key;  // the key of the value being read, in an object
     size_t count;     // the index of the value being read, in an array
+    std::unique_ptr<std::unordered_set<std::string>> keys;  // the keys of a large object
   };
+
+  // Small objects are searched; a large one gets a set of its keys, so that an object with
+  // many members (groups, symbols, attributes) is still read in linear time.
+  static bool SeenKey(Frame& frame, const std::string& key) {
+    const Json::object_t& members = frame.value.get_ref<const Json::object_t&>();
+    if (!frame.keys && members.size() < kSearchedKeys) {
+      for (const auto& member : members)
+        if (member.first == key) return true;
+      return false;
+    }
+    if (!frame.keys) {
+      frame.keys = std::make_unique<std::unordered_set<std::string>>();
+      for (const auto& member : members) frame.keys->insert(member.first);
+    }
+    return !frame.keys->insert(key).second;
+  }
+
+  static constexpr size_t kSearchedKeys = 16;
 
   bool Pop() {
     Json done = std::move(stack_.back().value);
@@ -70,12 +96,28 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     }
     Frame& parent = stack_.back();
     if (parent.value.is_object()) {
-      parent.value[parent.key] = std::move(value);
+      // The key is known to be new: append without the map's own search.
+      Json::object_t& members = parent.value.get_ref<Json::object_t&>();
+      members.Json::object_t::Container::emplace_back(parent.key, std::move(value));
     } else {
       parent.value.push_back(std::move(value));
       parent.count++;
     }
     return true;
+  }
+
+  // The JSON path of `key` in the innermost object, as blocks[0].components[2].label.
+  std::string PathTo(const std::string& key) const {
+    std::string path;
+    for (size_t i = 0; i + 1 < stack_.size(); ++i) {
+      const Frame& frame = stack_[i];
+      if (frame.value.is_object()) {
+        path += (path.empty() ? "" : ".") + frame.key;
+      } else {
+        path += "[" + std::to_string(frame.count) + "]";
+      }
+    }
+    return path.empty() ? key : path + "." + key;
   }
 
   std::string Where(size_t position) const {

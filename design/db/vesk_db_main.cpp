@@ -12,6 +12,30 @@ namespace {
 constexpr int kBadInput = 2;
 constexpr int kUsageError = 1;
 
+// The report of bad input is one line: control characters that names may hold are shown escaped.
+std::string OneLine(const std::string& text) {
+  std::string line;
+  for (char ch : text) {
+    unsigned char c = static_cast<unsigned char>(ch);
+    if (c == '\n') {
+      line += "\\n";
+    } else if (c == '\r') {
+      line += "\\r";
+    } else if (c == '\t') {
+      line += "\\t";
+    } else if (c < 0x20 || c == 0x7F) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\x%02X", c);
+      line += escaped;
+    } else {
+      line += ch;
+    }
+  }
+  return line;
+}
+
+void Report(const std::string& text) { std::cerr << "vesk-db: " << OneLine(text) << "\n"; }
+
 int Usage() {
   std::cerr << "usage: vesk-db import [--project DIR] [--snapshot NAME] FILE.json\n"
                "       vesk-db export [DIR]\n";
@@ -35,11 +59,11 @@ int Import(int argc, char** argv) {
   if (file.empty()) return Usage();
   std::string text, error;
   if (!ReadWholeFile(file, text)) {
-    std::cerr << "vesk-db: " << file << ": cannot read the file\n";
+    Report(file + ": (file): cannot read the file");
     return kBadInput;
   }
   if (!ImportDesign(text, project, error, snapshot)) {
-    std::cerr << "vesk-db: " << file << ": " << error << "\n";
+    Report(file + ": " + error);
     return kBadInput;
   }
   return 0;
@@ -50,7 +74,7 @@ int Export(int argc, char** argv) {
   std::string project = argc == 3 ? argv[2] : "";
   std::string text, error;
   if (!ExportDesign(project, text, error)) {
-    std::cerr << "vesk-db: " << error << "\n";
+    Report(error);
     return kBadInput;
   }
   std::cout << text;

@@ -1,5 +1,7 @@
 // Reads a design back from its SQLite file with one sequential scan per table.
+#include <cstdint>
 #include <cstring>
+#include <fstream>
 
 #include "design/db/design_store.h"
 #include "design/db/sqlite_handle.h"
@@ -32,6 +34,37 @@ class WordReader {
   const unsigned char* data_;
   size_t left_;
 };
+
+// A stored index or count: an integer that fits below kNone. Anything else (text, a real, a value
+// that a cast to 32 bits would wrap) marks the file as damaged rather than naming another object.
+bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
+  if (!query.IsInteger(col)) return false;
+  int64_t value = query.Int(col);
+  if (value < 0 || value >= kNone) return false;
+  id = static_cast<uint32_t>(value);
+  return true;
+}
+
+// An index that may be absent (NULL): kNone then.
+bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
+  if (query.IsNull(col)) {
+    id = kNone;
+    return true;
+  }
+  return ReadId(query, col, id);
+}
+
+// A signed number stored in 32 bits, or NULL when `present` may be false.
+bool ReadNumber(const SqliteStmt& query, int col, int32_t& number, uint8_t& present) {
+  present = !query.IsNull(col);
+  number = 0;
+  if (!present) return true;
+  if (!query.IsInteger(col)) return false;
+  int64_t value = query.Int(col);
+  if (value < INT32_MIN || value > INT32_MAX) return false;
+  number = static_cast<int32_t>(value);
+  return true;
+}
 
 bool LoadMeta(SqliteDb& db, Design& d) {
   SqliteStmt query(db, "SELECT key, value FROM meta");
@@ -84,12 +117,12 @@ bool LoadBlocks(SqliteDb& db, Design& d) {
   SqliteStmt query(db, "SELECT id, name, comps, nets, ports FROM blocks ORDER BY id");
   uint64_t comps = 0, nets = 0, ports = 0;
   while (query.Row()) {
-    if (query.Int(0) != static_cast<int64_t>(d.blocks.size())) return false;
+    if (!query.IsInteger(0) || query.Int(0) != static_cast<int64_t>(d.blocks.size())) return false;
     BlockRec b;
-    b.name = static_cast<uint32_t>(query.Int(1));
-    int64_t counts[] = {query.Int(2), query.Int(3), query.Int(4)};
-    for (int64_t count : counts) {
-      if (count < 0 || count > kMaxPerBlock) return false;
+    uint32_t counts[3] = {};
+    if (!ReadId(query, 1, b.name)) return false;
+    for (int i = 0; i < 3; ++i) {
+      if (!ReadId(query, 2 + i, counts[i]) || counts[i] > kMaxPerBlock) return false;
     }
     b.compsBegin = static_cast<uint32_t>(comps), b.compsEnd = static_cast<uint32_t>(comps += counts[0]);
     b.netsBegin = static_cast<uint32_t>(nets), b.netsEnd = static_cast<uint32_t>(nets += counts[1]);
@@ -104,22 +137,26 @@ bool LoadSmallTables(SqliteDb& db, Design& d) {
   SqliteStmt groups(db, "SELECT name, internal_id, type FROM groups ORDER BY id");
   while (groups.Row()) {
     GroupRec g;
-    g.name = static_cast<uint32_t>(groups.Int(0));
-    g.internalId = static_cast<uint32_t>(groups.Int(1));
-    g.type = static_cast<int32_t>(groups.Int(2));
+    uint8_t present = 0;
+    if (!ReadId(groups, 0, g.name) || !ReadId(groups, 1, g.internalId) || !ReadNumber(groups, 2, g.type, present) ||
+        !present)
+      return false;
     d.groups.push_back(g);
   }
-  SqliteStmt symbols(db, "SELECT name, attrs FROM symbols ORDER BY id");
-  while (symbols.Row())
-    d.symbols.emplace_back(static_cast<uint32_t>(symbols.Int(0)), static_cast<uint32_t>(symbols.Int(1)));
-  SqliteStmt benches(db, "SELECT name, block FROM testbenches ORDER BY id");
-  while (benches.Row())
-    d.testbenches.emplace_back(static_cast<uint32_t>(benches.Int(0)), static_cast<uint32_t>(benches.Int(1)));
-  return groups.Finished() && symbols.Finished() && benches.Finished();
-}
-
-uint32_t OptionalId(const SqliteStmt& query, int col) {
-  return query.IsNull(col) ? kNone : static_cast<uint32_t>(query.Int(col));
+  if (!groups.Finished()) return false;
+  // Symbols and test benches: a name and an index each.
+  for (auto [sql, rows] : {std::pair<const char*, std::vector<std::pair<uint32_t, uint32_t>>*>{
+                               "SELECT name, attrs FROM symbols ORDER BY id", &d.symbols},
+                           {"SELECT name, block FROM testbenches ORDER BY id", &d.testbenches}}) {
+    SqliteStmt query(db, sql);
+    while (query.Row()) {
+      uint32_t name = 0, value = 0;
+      if (!ReadId(query, 0, name) || !ReadId(query, 1, value)) return false;
+      rows->emplace_back(name, value);
+    }
+    if (!query.Finished()) return false;
+  }
+  return true;
 }
 
 // The block that owns the `index`th object, given the range of each block; blocks come in order.
@@ -138,12 +175,10 @@ bool LoadNets(SqliteDb& db, Design& d) {
     if (!OwnerMatches(d, query.Int(1), index, &BlockRec::netsBegin, &BlockRec::netsEnd)) return false;
     NetRec n;
     n.block = static_cast<uint32_t>(query.Int(1));
-    n.label = static_cast<uint32_t>(query.Int(2));
     n.global = query.Int(3) != 0;
-    n.attrs = static_cast<uint32_t>(query.Int(4));
-    n.group = OptionalId(query, 5);
-    n.hasNumber = !query.IsNull(6);
-    n.number = static_cast<int32_t>(query.Int(6));
+    if (!ReadId(query, 2, n.label) || !ReadId(query, 4, n.attrs) || !ReadOptionalId(query, 5, n.group) ||
+        !ReadNumber(query, 6, n.number, n.hasNumber))
+      return false;
     d.nets.push_back(n);
   }
   return query.Finished();
@@ -166,13 +201,13 @@ bool LoadPorts(SqliteDb& db, Design& d) {
     if (!OwnerMatches(d, query.Int(1), index, &BlockRec::portsBegin, &BlockRec::portsEnd)) return false;
     PortRec p;
     p.block = static_cast<uint32_t>(query.Int(1));
-    p.name = static_cast<uint32_t>(query.Int(2));
-    p.bus = static_cast<uint32_t>(query.Int(3));
-    p.width = static_cast<uint32_t>(query.Int(4));
     p.connected = query.Int(5) != 0;
-    p.attrs = static_cast<uint32_t>(query.Int(6));
+    if (!ReadId(query, 2, p.name) || !ReadId(query, 3, p.bus) || !ReadId(query, 4, p.width) ||
+        !ReadId(query, 6, p.attrs))
+      return false;
     size_t size = 0;
-    const unsigned char* blob = query.Blob(7, size);
+    const unsigned char* blob = query.Blob(7, size);  // sets `size`, so it must come first
+    if (size % 4 != 0) return false;
     WordReader reader(blob, size);
     p.netsBegin = static_cast<uint32_t>(d.links.size());
     p.netsCount = static_cast<uint32_t>(size / 4);
@@ -209,19 +244,16 @@ bool LoadComps(SqliteDb& db, Design& d) {
     if (!OwnerMatches(d, query.Int(1), index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
     CompRec c;
     c.block = static_cast<uint32_t>(query.Int(1));
-    c.label = static_cast<uint32_t>(query.Int(2));
-    c.name = static_cast<uint32_t>(query.Int(3));
-    c.partition = static_cast<uint32_t>(query.Int(4));
-    c.type = static_cast<uint32_t>(query.Int(5));
-    c.child = OptionalId(query, 6);
-    c.instAttrs = static_cast<uint32_t>(query.Int(7));
-    c.defAttrs = static_cast<uint32_t>(query.Int(8));
     c.ownDefinition = query.Int(9) != 0;
-    c.group = OptionalId(query, 10);
-    c.hasNumber = !query.IsNull(11);
-    c.number = static_cast<int32_t>(query.Int(11));
+    // Type bits are any 32-bit value, all ones included.
+    if (!query.IsInteger(5) || query.Int(5) < 0 || query.Int(5) > UINT32_MAX) return false;
+    c.type = static_cast<uint32_t>(query.Int(5));
+    if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
+        !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) || !ReadId(query, 8, c.defAttrs) ||
+        !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, c.hasNumber))
+      return false;
     size_t size = 0;
-    const unsigned char* blob = query.Blob(12, size);
+    const unsigned char* blob = query.Blob(12, size);  // sets `size`, so it must come first
     WordReader reader(blob, size);
     if (!ReadPins(reader, c, d)) return false;
     d.comps.push_back(c);
@@ -229,9 +261,34 @@ bool LoadComps(SqliteDb& db, Design& d) {
   return query.Finished();
 }
 
+// SQLite zero-fills what is missing at the end of a short file, so a cut that only removes the
+// tail of the last page would pass unnoticed: compare the size with the page count of the header.
+bool SizeMatchesHeader(const std::string& file, std::string& error) {
+  std::ifstream in(file, std::ios::binary | std::ios::ate);
+  if (!in) return true;  // SQLite reports what is wrong with the file
+  std::streamoff size = in.tellg();
+  unsigned char header[100];
+  in.seekg(0);
+  if (size < 100 || !in.read(reinterpret_cast<char*>(header), sizeof header)) return true;
+  if (std::memcmp(header, "SQLite format 3", 16) != 0) return true;
+  auto bigEndian = [&](int at, int bytes) {
+    uint32_t value = 0;
+    for (int i = 0; i < bytes; ++i) value = value << 8 | header[at + i];
+    return value;
+  };
+  uint32_t pageSize = bigEndian(16, 2) == 1 ? 65536 : bigEndian(16, 2);
+  // The page count is only kept up to date when the two change counters agree.
+  if (bigEndian(24, 4) != bigEndian(92, 4)) return true;
+  if (static_cast<int64_t>(pageSize) * bigEndian(28, 4) == size) return true;
+  error = "the file is " + std::to_string(size) + " bytes long but its pages make " +
+          std::to_string(static_cast<int64_t>(pageSize) * bigEndian(28, 4));
+  return false;
+}
+
 }  // namespace
 
 bool LoadDesign(const std::string& file, Design& design, std::string& error) {
+  if (!SizeMatchesHeader(file, error)) return false;
   SqliteDb db;
   if (!db.Open(file, false)) {
     error = db.Message();

@@ -1,6 +1,8 @@
 // Shared attribute lists, attribute lookup and the consistency checks of a loaded design.
 #include "design/db/design_model.h"
 
+#include <cstdint>
+
 namespace vdb {
 
 size_t AttrLists::Hash::operator()(const std::vector<uint32_t>& v) const {
@@ -107,7 +109,8 @@ bool CheckComps(const Design& d) {
     if (c.pinsBegin > d.pins.size() || c.pinsCount > d.pins.size() - c.pinsBegin) return false;
     for (uint32_t p = c.pinsBegin; p < c.pinsBegin + c.pinsCount; ++p) {
       const PinRec& pin = d.pins[p];
-      if (!s.Valid(pin.name) || !s.Valid(pin.bus) || !CheckLinks(d, c.block, pin.netsBegin, pin.netsCount))
+      if (!s.Valid(pin.name) || !s.Valid(pin.bus) || pin.width > INT32_MAX ||
+          !CheckLinks(d, c.block, pin.netsBegin, pin.netsCount))
         return false;
     }
   }
@@ -121,7 +124,8 @@ bool CheckNetsAndPorts(const Design& d) {
       return false;
   }
   for (const PortRec& p : d.ports) {
-    if (p.block >= d.blocks.size() || !s.Valid(p.name) || !s.Valid(p.bus) || p.attrs >= d.attrs.Count())
+    if (p.block >= d.blocks.size() || !s.Valid(p.name) || !s.Valid(p.bus) || p.width > INT32_MAX ||
+        p.attrs >= d.attrs.Count())
       return false;
     if (!CheckLinks(d, p.block, p.netsBegin, p.netsCount)) return false;
   }

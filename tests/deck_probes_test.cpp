@@ -202,16 +202,17 @@ TEST(DeckProbesTest, IgnorePrintsKeepsTheMarkers) {
 }
 
 // Duplicates are told by their full path on the console, subcircuits first; the deck keeps
-// both definitions. A comment inside a model card is lost, its "+" line stays.
+// both definitions. A comment inside a model card is lost, its "+" line stays. A .model
+// line without a blank behind its name names the empty model.
 TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
   const std::string args = "-h -n -ghdr.inc TOP";
   VeskRun run = RunWithHeader(args,
                               ".SUBCKT AMP 1 2\n.model DX D\nR1 1 2 1K\n.ENDS\n"
                               ".model QX NPN (BF=100) * comment\n* note\n+ IS=1E-15\n.MODEL QX PNP\n"
-                              ".model DX D\n.SUBCKT AMP 1 2\n.ENDS\n.tran 1n 10n\n");
+                              ".model DX D\n.model ONE\n.model TWO\n.SUBCKT AMP 1 2\n.ENDS\n.tran 1n 10n\n");
   EXPECT_EQ(run.output,
             "Duplicate sub-circuit definition: AMP\nDuplicate sub-circuit definition: AMP\n"
-            "Duplicate model definition: QX\n");
+            "Duplicate model definition: \nDuplicate model definition: QX\n");
   std::string statements;
   for (const char* probe :
        {"V([X1.MID])", "I(X1.R1)", "V([X1.X3.Q])", "V([OUT])", "V([X2.MID])", "I(X2.R1)", "V([X2.X3.Q])"})
@@ -219,7 +220,7 @@ TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
   EXPECT_EQ(run.deck, Head(args) +
                           ".SUBCKT AMP 1 2\n.model DX D\nR1 1 2 1K\n.ENDS\n\n"
                           ".model QX NPN (BF=100) * comment\n+ IS=1E-15\n.MODEL QX PNP\n.model DX D\n"
-                          ".SUBCKT AMP 1 2\n.ENDS\n\n.tran 1n 10n\n" +
+                          ".model ONE\n.model TWO\n.SUBCKT AMP 1 2\n.ENDS\n\n.tran 1n 10n\n" +
                           kNamedBody + statements + "\n*.END\n\n");
 }
 

@@ -88,8 +88,8 @@ void WritePins(JsonOut& out, std::initializer_list<Pin> pins) {
 
 /// Writes primitive number `i` between nets `a` and `b`, with `c` a third net for four-pin devices.
 /// `labelBase` numbers the labels, so that blocks can repeat labels on purpose.
-void WritePrimitive(JsonOut& out, Lcg& rng, uint64_t i, uint64_t label, const std::string& a, const std::string& b,
-                    const std::string& c) {
+void WritePrimitive(JsonOut& out, Lcg& rng, uint64_t i, uint64_t label, const std::string& a,
+                    const std::string& b, const std::string& c) {
   std::string tag = std::to_string(label);
   switch (i % 10) {
     case 0:
@@ -122,17 +122,20 @@ void WritePrimitive(JsonOut& out, Lcg& rng, uint64_t i, uint64_t label, const st
             << "\"AC\": \"1\" }";
         WritePins(out, {{"P", a}, {"N", "GND"}});
       } else if (i % 100 == 17) {
-        out << "{ \"label\": \"I" << tag << "\", \"name\": \"ISRC.1\", \"attributes\": { \"DCVAL\": \"10U\" }";
+        out << "{ \"label\": \"I" << tag
+            << "\", \"name\": \"ISRC.1\", \"attributes\": { \"DCVAL\": \"10U\" }";
         WritePins(out, {{"P", a}, {"N", b}});
       } else {
-        out << "{ \"label\": \"D" << tag << "\", \"name\": \"DIODE.1\", \"attributes\": { \"MODEL\": \"DMOD\", "
+        out << "{ \"label\": \"D" << tag
+            << "\", \"name\": \"DIODE.1\", \"attributes\": { \"MODEL\": \"DMOD\", "
             << "\"AREA\": \"2\" }";
         WritePins(out, {{"A", a}, {"K", b}});
       }
       return;
     case 8:
       if (i % 1000 == 8) {
-        out << "{ \"label\": \"P" << tag << "\", \"name\": \"VPROBE.1\", \"attributes\": { \"PROBE\": \"V\" }";
+        out << "{ \"label\": \"P" << tag
+            << "\", \"name\": \"VPROBE.1\", \"attributes\": { \"PROBE\": \"V\" }";
         WritePins(out, {{"A", a}});
       } else if (i % 1000 == 18) {
         out << "{ \"label\": \"R" << tag << "\", \"name\": \"RES.1\", \"attributes\": { \"VALUE\": \"1\", "
@@ -144,7 +147,8 @@ void WritePrimitive(JsonOut& out, Lcg& rng, uint64_t i, uint64_t label, const st
       }
       return;
     default:
-      out << "{ \"label\": \"R" << tag << "\", \"name\": \"RES.1\", \"attributes\": { \"VALUE\": \"{RLOAD}\" }";
+      out << "{ \"label\": \"R" << tag
+          << "\", \"name\": \"RES.1\", \"attributes\": { \"VALUE\": \"{RLOAD}\" }";
       WritePins(out, {{"A", b}, {"B", "VDD"}});
       return;
   }
@@ -211,7 +215,8 @@ void WriteFlat(JsonOut& out, uint64_t count) {
 void WriteLeaf(JsonOut& out) {
   out << ",\n{ \"name\": \"LEAF\", \"ports\": [ { \"name\": \"A\", \"net\": \"A\" }, "
       << "{ \"name\": \"B\", \"net\": \"B\" } ],\n"
-      << "\"nets\": [ { \"label\": \"GND\", \"global\": true }, { \"label\": \"M\", \"attributes\": { \"IC\": \"0\" } } ],\n"
+      << "\"nets\": [ { \"label\": \"GND\", \"global\": true }, { \"label\": \"M\", \"attributes\": { "
+         "\"IC\": \"0\" } } ],\n"
       << "\"components\": [\n";
   Lcg rng;
   bool first = true;
@@ -235,7 +240,8 @@ void WriteCell(JsonOut& out, int k, uint64_t perBlock) {
   uint64_t own = perBlock > 3 ? perBlock - 3 : 1;
   for (uint64_t i = 0; i < own; ++i) {
     out.Item(first);
-    std::string a = i == 0 ? "IN" : "S" + std::to_string(i), b = i + 1 == own ? "OUT" : "S" + std::to_string(i + 1);
+    std::string a = i == 0 ? "IN" : "S" + std::to_string(i),
+                b = i + 1 == own ? "OUT" : "S" + std::to_string(i + 1);
     WritePrimitive(out, rng, i + k, i + 1, a, b, "BIAS");
   }
   out.Item(first);
@@ -246,7 +252,8 @@ void WriteCell(JsonOut& out, int k, uint64_t perBlock) {
 }
 
 void WriteHier(JsonOut& out, uint64_t blocks, uint64_t perBlock) {
-  out << "{\n" << kSymbols << "  \"blocks\": [\n{ \"name\": \"TOP\",\n"
+  out << "{\n"
+      << kSymbols << "  \"blocks\": [\n{ \"name\": \"TOP\",\n"
       << "\"nets\": [ { \"label\": \"GND\", \"global\": true }, { \"label\": \"VDD\", \"global\": true }, "
       << "{ \"label\": \"T0\", \"attributes\": { \"PROBE\": \"V\" } } ],\n\"components\": [\n";
   bool first = true;
@@ -257,9 +264,12 @@ void WriteHier(JsonOut& out, uint64_t blocks, uint64_t perBlock) {
   for (uint64_t i = 0; i < blocks; ++i) {
     out.Item(first);
     int k = static_cast<int>(i % 3);
-    out << "{ \"label\": \"X" << i << "\", \"name\": \"CELL" << uint64_t(k) << ".1\", \"type\": 2, \"child\": \"CELL"
-        << uint64_t(k) << "\", \"attributes\": { \"ORDER\": \"GAIN=\", \"GAIN\": \"" << uint64_t(1 + i % 5) << "\" }";
-    WritePins(out, {{"IN", "T" + std::to_string(i)}, {"OUT", "T" + std::to_string(i + 1)}, {"BIAS", "B" + std::to_string(i % 64)}});
+    out << "{ \"label\": \"X" << i << "\", \"name\": \"CELL" << uint64_t(k)
+        << ".1\", \"type\": 2, \"child\": \"CELL" << uint64_t(k)
+        << "\", \"attributes\": { \"ORDER\": \"GAIN=\", \"GAIN\": \"" << uint64_t(1 + i % 5) << "\" }";
+    WritePins(out, {{"IN", "T" + std::to_string(i)},
+                    {"OUT", "T" + std::to_string(i + 1)},
+                    {"BIAS", "B" + std::to_string(i % 64)}});
   }
   out << "]\n}";
   for (int k = 0; k < 3; ++k) WriteCell(out, k, perBlock);

@@ -58,8 +58,8 @@ RunResult Run(const std::vector<std::string>& args, const fs::path& folder, cons
 
 struct Case {
   std::string name;
-  std::vector<std::string> design;  // arguments of make_design before the output file
-  long components;                  // primitives in the flattened design
+  std::vector<std::string> design;             // arguments of make_design before the output file
+  long components;                             // primitives in the flattened design
   std::vector<std::vector<std::string>> runs;  // vesk switches of each timed run
 };
 
@@ -92,8 +92,8 @@ long LineCount(const fs::path& path) {
 
 void PrintRow(const Row& row, const Row* previous) {
   double perComp = row.result.cpuSeconds / row.components * 1e6;
-  printf("%-36s %8ld %7.3f s %7.3f s %8.1f MB %7.3f us", row.label.c_str(), row.components, row.result.seconds,
-         row.result.cpuSeconds, row.result.peakMb, perComp);
+  printf("%-36s %8ld %7.3f s %7.3f s %8.1f MB %7.3f us", row.label.c_str(), row.components,
+         row.result.seconds, row.result.cpuSeconds, row.result.peakMb, perComp);
   if (previous && previous->components > 0) {
     double prevPer = previous->result.cpuSeconds / previous->components * 1e6;
     printf("   x%.0f size: x%.1f cpu, per-comp ratio %.2f", double(row.components) / previous->components,
@@ -160,7 +160,8 @@ int main(int argc, char** argv) {
       fprintf(stderr, "make_design failed for %s\n", c.name.c_str());
       return 1;
     }
-    Row import{"import " + c.name, c.components, Run({veskDb, "import", "design.json"}, folder, folder / "import.out")};
+    Row import{"import " + c.name, c.components,
+               Run({veskDb, "import", "design.json"}, folder, folder / "import.out")};
     PrintRow(import, imports.empty() || imports.back().label.find("flat") == std::string::npos ||
                              c.name.find("flat") == std::string::npos
                          ? nullptr

@@ -140,20 +140,16 @@ std::string LegalizeName(const WireOptions& options, const std::string& name) {
 std::string UniqueName(UsedNames& used, std::string name) {
   // An empty name is no name: it is not written, so it takes no place in the list.
   if (name.empty()) return name;
-  if (used.names.count(name)) {
-    // The search always runs <first>0, <first>1, ... in this order, and names are only
-    // ever added, so every suffix below the remembered one is taken for good.
-    char first = name[0];
-    int32_t& next = used.nextFreeSuffix[first];
-    std::string candidate;
-    for (;; ++next) {
-      candidate = std::string(1, first) + std::to_string(next);
-      if (!used.names.count(candidate)) break;
-    }
-    name = candidate;
+  // Most names are new: one insert both tests and records them.
+  if (used.names.Insert(name)) return name;
+  // The search always runs <first>0, <first>1, ... in this order, and names are only
+  // ever added, so every suffix below the remembered one is taken for good.
+  char first = name[0];
+  int32_t& next = used.nextFreeSuffix[first];
+  for (;; ++next) {
+    name = std::string(1, first) + std::to_string(next);
+    if (used.names.Insert(name)) return name;
   }
-  used.names.insert(name);
-  return name;
 }
 
 std::string UniqueName(WireOptions& options, std::string name) {

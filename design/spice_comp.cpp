@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <unordered_set>
 
 namespace {
 
@@ -48,25 +49,73 @@ bool IsBareExempt(const std::string& key) {
 
 // ---- AttributeTable ----
 
-const std::string& AttributeTable::Get(const std::string& upperKey) const {
-  auto it = std::lower_bound(
-      entries_.begin(), entries_.end(), upperKey,
-      [](const std::pair<std::string, std::string>& e, const std::string& k) { return e.first < k; });
-  return it != entries_.end() && it->first == upperKey ? it->second : kEmpty;
+const std::string* InternText(const std::string& text) {
+  // Node-based, so the texts never move; they live until the process ends.
+  static std::unordered_set<std::string>* texts = new std::unordered_set<std::string>();
+  return &*texts->insert(text).first;
 }
 
-void AttributeTable::Set(const std::string& upperKey, const std::string& value) {
-  auto it = std::lower_bound(
-      entries_.begin(), entries_.end(), upperKey,
-      [](const std::pair<std::string, std::string>& e, const std::string& k) { return e.first < k; });
-  if (it != entries_.end() && it->first == upperKey)
-    it->second = value;
+namespace {
+
+using AttributePair = AttributeTable::Pair;
+using AttributeList = AttributeTable::List;
+
+bool KeyBefore(const AttributePair& entry, const std::string& key) { return *entry.first < key; }
+
+// Texts are interned, so a list is known by the addresses it holds.
+struct ListHash {
+  size_t operator()(const AttributeList& list) const {
+    size_t hash = list.size();
+    for (const AttributePair& pair : list) {
+      hash = hash * 31 + std::hash<const void*>()(pair.first);
+      hash = hash * 31 + std::hash<const void*>()(pair.second);
+    }
+    return hash;
+  }
+};
+
+const AttributeList* InternList(AttributeList list) {
+  // Node-based, so the lists never move; they live until the process ends.
+  using ListSet = std::unordered_set<AttributeList, ListHash>;
+  static ListSet* lists = new ListSet();
+  return &*lists->insert(std::move(list)).first;
+}
+
+}  // namespace
+
+AttributeTable::AttributeTable() : list_(InternList(AttributeList())) {}
+
+const std::string& AttributeTable::Get(const std::string& upperKey) const {
+  auto it = std::lower_bound(list_->begin(), list_->end(), upperKey, KeyBefore);
+  return it != list_->end() && *it->first == upperKey ? *it->second : kEmpty;
+}
+
+void AttributeTable::SetIn(List& list, const std::string& upperKey, const std::string& value) {
+  auto it = std::lower_bound(list.begin(), list.end(), upperKey, KeyBefore);
+  if (it != list.end() && *it->first == upperKey)
+    it->second = InternText(value);
   else
-    entries_.emplace(it, upperKey, value);
+    list.emplace(it, InternText(upperKey), InternText(value));
+}
+
+void AttributeTable::SetIfEmptyIn(List& list, const std::string& upperKey, const std::string& value) {
+  auto it = std::lower_bound(list.begin(), list.end(), upperKey, KeyBefore);
+  if (it != list.end() && *it->first == upperKey && !it->second->empty()) return;
+  SetIn(list, upperKey, value);
+}
+
+void AttributeTable::Assign(List list) { list_ = InternList(std::move(list)); }
+
+void AttributeTable::Set(const std::string& upperKey, const std::string& value) {
+  List list = Copy();
+  SetIn(list, upperKey, value);
+  Assign(std::move(list));
 }
 
 void AttributeTable::SetIfEmpty(const std::string& upperKey, const std::string& value) {
-  if (Get(upperKey).empty()) Set(upperKey, value);
+  List list = Copy();
+  SetIfEmptyIn(list, upperKey, value);
+  Assign(std::move(list));
 }
 
 // ---- model mapper ----
@@ -135,6 +184,7 @@ const SpiceNet* SpiceComp::FindPin(const std::string& key) const {
 void SpiceComp::GatherAttributes(const Tessel::IComp& comp) {
   Tessel::ListAttribute list;
   comp.GetAttributes(list);
+  AttributeTable::List table = attrs.Copy();
   for (const Tessel::Attribute& entry : list.items) {
     hasAttributes = true;
     std::string key = entry.name.str();
@@ -142,12 +192,13 @@ void SpiceComp::GatherAttributes(const Tessel::IComp& comp) {
     key = Upper(std::move(key));
     const std::string& value = entry.value.str();
     if (entry.level == Tessel::eAttrDefinition) {
-      attrs.SetIfEmpty(key, value);
+      AttributeTable::SetIfEmptyIn(table, key, value);
       continue;
     }
-    attrs.Set(key, value);
+    AttributeTable::SetIn(table, key, value);
     if (value.empty() && !IsBareExempt(key)) bareKeys.push_back(key);
   }
+  attrs.Assign(std::move(table));
 }
 
 std::string ComponentInternalName(const Tessel::IComp& comp, Tessel::IUIDManager* uidManager) {
@@ -311,6 +362,10 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 
 void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes,
                              const FlatScope& scope) {
+  // One entry a pin: room for all of them at once, and no more.
+  int count = 0;
+  comp.GetPinsCount(count);
+  if (count > 0) pinNets.reserve(static_cast<size_t>(count));
   Tessel::IteratorT<const Tessel::IPin> pins;
   comp.GetIterPins(pins);
   for (; pins->IsValid(); pins++) {

@@ -21,19 +21,61 @@ struct PinEntry {
   SpiceNet net;
 };
 
+/// One text kept once for the whole run. Attribute keys and values are few distinct texts
+/// repeated over many components, so tables hold pointers to the one copy.
+const std::string* InternText(const std::string& text);
+
 /// Upper-case attribute key to value, sorted by key. Reading never adds entries; an
-/// empty value counts as absent everywhere.
+/// empty value counts as absent everywhere. The list itself is kept once for all tables
+/// that hold the same attributes, as the components of one symbol mostly do.
 class AttributeTable {
  public:
+  using Pair = std::pair<const std::string*, const std::string*>;
+  using List = std::vector<Pair>;
+  using Entry = std::pair<const std::string&, const std::string&>;
+  /// The entries in key order, each read as a pair of key and value.
+  class EntryList {
+   public:
+    class Iterator {
+     public:
+      explicit Iterator(const Pair* at) : at_(at) {}
+      Entry operator*() const { return Entry(*at_->first, *at_->second); }
+      Iterator& operator++() {
+        ++at_;
+        return *this;
+      }
+      bool operator!=(const Iterator& other) const { return at_ != other.at_; }
+
+     private:
+      const Pair* at_;
+    };
+    explicit EntryList(const List& entries) : entries_(entries) {}
+    Iterator begin() const { return Iterator(entries_.data()); }
+    Iterator end() const { return Iterator(entries_.data() + entries_.size()); }
+    size_t size() const { return entries_.size(); }
+    Entry operator[](size_t i) const { return Entry(*entries_[i].first, *entries_[i].second); }
+
+   private:
+    const List& entries_;
+  };
+
+  AttributeTable();
   const std::string& Get(const std::string& upperKey) const;
   void Set(const std::string& upperKey, const std::string& value);
   /// Stores only when the present value is empty (definition level).
   void SetIfEmpty(const std::string& upperKey, const std::string& value);
-  const std::vector<std::pair<std::string, std::string>>& Entries() const { return entries_; }
-  bool Empty() const { return entries_.empty(); }
+  EntryList Entries() const { return EntryList(*list_); }
+  bool Empty() const { return list_->empty(); }
+
+  /// Several changes at once: a copy of the list to change with SetIn and SetIfEmptyIn,
+  /// then Assign.
+  List Copy() const { return *list_; }
+  static void SetIn(List& list, const std::string& upperKey, const std::string& value);
+  static void SetIfEmptyIn(List& list, const std::string& upperKey, const std::string& value);
+  void Assign(List list);
 
  private:
-  std::vector<std::pair<std::string, std::string>> entries_;
+  const List* list_;
 };
 
 class SpiceComp {

@@ -105,6 +105,19 @@ bool SpiceProject::Open(std::string location) {
   return result.success != 0;
 }
 
+void SpiceProject::ReleaseWalkState() {
+  auto release = [](SpiceBlock& block) {
+    block.block = Tessel::ContainerT<const Tessel::IBlock>();
+    block.compIter = Tessel::IteratorT<const Tessel::IComp>();
+  };
+  release(rootBlock);
+  for (SpiceBlock& block : subBlocks) release(block);
+  snapshot = Tessel::ContainerT<const Tessel::ISnapshot>();
+  uidManagerObject.impl.reset();
+  db.Release();
+  if (options.usedNames) options.usedNames->Clear();
+}
+
 void SpiceProject::SetOptions(WireOptions newOptions) { options = std::move(newOptions); }
 
 SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
@@ -180,6 +193,11 @@ void SpiceProject::WalkFlat(Tessel::ContainerT<const Tessel::IBlock>, std::strin
   if (config.Empty()) return;
   Tessel::IteratorT<const Tessel::IComp> it;
   config->GetIterComps(it);
+  // Counted first so that the component list is allocated once at its full size: growing a
+  // list of a million components by doubling would hold one and a half lists at the last step.
+  size_t occurrences = 0;
+  for (Tessel::IteratorT<const Tessel::IComp> count(it); count->IsValid(); count++) ++occurrences;
+  rootBlock.comps.reserve(rootBlock.comps.size() + occurrences);
   for (; it->IsValid(); it++) VisitOccurrence(it);
 }
 

@@ -24,6 +24,10 @@ class SpiceProject {
   void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
   void WalkFlat(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
 
+  /// Drops what only the walk needs once it is done: every handle into the database and the
+  /// instance names given out. The generators write from the walked blocks alone, and a
+  /// large design's memory is better spent on the deck.
+  void ReleaseWalkState();
   SpiceBlock& Root() { return rootBlock; }
   std::vector<SpiceBlock>& SubBlocks() { return subBlocks; }
 

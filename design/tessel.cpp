@@ -76,4 +76,6 @@ Result TesselPI::GetSnapshotByName(ContainerT<const ISnapshot>& snapshot, const 
   return impl_->GetSnapshot(snapshot, name.str());
 }
 
+void TesselPI::Release() { impl_ = std::make_shared<TesselImpl>(); }
+
 }  // namespace Tessel

@@ -329,7 +329,7 @@ class IUIDManager {
 
 class TesselImpl;
 
-/// The database root object. There is no close: the project stays open while it lives.
+/// The database root object. The project stays open while it lives, or until Release.
 class TesselPI {
  public:
   TesselPI();
@@ -339,6 +339,8 @@ class TesselPI {
 
   Result OpenTessel(ProjectData& data);
   Result GetSnapshotByName(ContainerT<const ISnapshot>& snapshot, const String& name);
+  /// Lets go of the open design; it is freed once no handle holds it. Later questions fail.
+  void Release();
 
  private:
   std::shared_ptr<TesselImpl> impl_;

@@ -11,18 +11,20 @@
 #include <unordered_set>
 #include <vector>
 
+#include "design/string_set.h"
+
 /// The level names (-l and positional arguments), newest first.
 using LevelList = std::vector<std::string>;
 
 /// Instance names already given out in the current scope (one block of a hierarchical
 /// deck, or the whole of a flat deck). Indexed so that each lookup is constant time.
 struct UsedNames {
-  std::unordered_set<std::string> names;
+  StringSet names;
   /// For each first character, the lowest suffix counter not yet known to be taken;
   /// lets UniqueName resume its search instead of starting over at 0 every time.
   std::unordered_map<char, int32_t> nextFreeSuffix;
   void Clear() {
-    names.clear();
+    names.Clear();
     nextFreeSuffix.clear();
   }
 };

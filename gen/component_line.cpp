@@ -210,7 +210,12 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
   if (generatorHere) return;
 
   out << comp.RefName();
-  internalNames[Lower(comp.RefName())] = comp.InternalName();
+  // An absent entry reads as empty, so a component without an internal name (every one of
+  // a flat deck) only clears what an earlier one of the same name left.
+  if (comp.InternalName().empty())
+    internalNames.erase(Lower(comp.RefName()));
+  else
+    internalNames[Lower(comp.RefName())] = comp.InternalName();
   WritePins(comp, false);
   const std::string& order = comp.Attributes().Get("ORDER");
   const bool namesCalled = NeedsCalledName(order, comp);

@@ -1,5 +1,6 @@
 // The dictionary of each block (net name to node text) and the -x side file.
 #include <iostream>
+#include <string_view>
 
 #include "design/platform.h"
 #include "gen/spice_gen.h"
@@ -15,7 +16,7 @@ void CSpiceGen::WriteDictionary(int flag) {
   out << (flag == 0 ? "* Dictionary " : "* CROSS-REFERENCE ") << std::to_string(dictionaryLines.Size())
       << "\n";
   bool groundNamed = false;
-  dictionaryLines.ForEachNewestFirst([&](const std::string& entry) {
+  dictionaryLines.ForEachViewNewestFirst([&](std::string_view entry) {
     out << entry << "\n";
     if (entry.find("GND") != std::string::npos) groundNamed = true;
   });

@@ -3,33 +3,40 @@
 #pragma once
 
 #include <string>
-#include <unordered_set>
+#include <string_view>
 #include <vector>
+
+#include "design/string_set.h"
 
 class NewestFirstList {
  public:
   /// Inserts at the head. Returns false (and changes nothing) when `unique` is set
   /// and the text is there already.
   bool Add(const std::string& text, bool unique = true) {
-    if (unique && !index_.insert(text).second) return false;
-    if (!unique) index_.insert(text);
-    items_.push_back(text);
+    auto [stored, added] = index_.Add(text);
+    if (unique && !added) return false;
+    items_.push_back(stored);
     return true;
   }
-  bool Contains(const std::string& text) const { return index_.count(text) != 0; }
+  bool Contains(const std::string& text) const { return index_.Contains(text); }
   size_t Size() const { return items_.size(); }
   bool Empty() const { return items_.empty(); }
   void Clear() {
     items_.clear();
-    index_.clear();
+    index_.Clear();
   }
   /// Calls f(text) from the newest entry to the oldest.
   template <class F>
   void ForEachNewestFirst(F f) const {
+    for (auto it = items_.rbegin(); it != items_.rend(); ++it) f(std::string(*it));
+  }
+  /// The same with views of the texts, for long lists where copies would cost.
+  template <class F>
+  void ForEachViewNewestFirst(F f) const {
     for (auto it = items_.rbegin(); it != items_.rend(); ++it) f(*it);
   }
 
  private:
-  std::vector<std::string> items_;  // oldest first
-  std::unordered_set<std::string> index_;
+  std::vector<std::string_view> items_;  // oldest first, viewing the texts held by the index
+  StringSet index_;
 };

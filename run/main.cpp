@@ -1,6 +1,7 @@
 // The program's entry: options, the chosen generator, the design, the deck and its two passes.
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include "design/spice_project.h"
@@ -15,15 +16,17 @@ namespace {
 template <class Flavour>
 int RunFlavour(const CSpiceGen& options, const std::string& group) {
   Flavour gen(options);
-  SpiceProject project;
+  auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
-  if (!gen.LoadProject(group, project, options)) return 0;
+  if (!gen.LoadProject(group, *project, options)) return 0;
+  project->ReleaseWalkState();
   if (gen.ReadConfigFile() != 0) return 1;
   gen.OpenCrossReference(group);
-  {
-    SpiceProject copy(project);
-    gen.Run(copy);
-  }
+  // The generator writes from the walked design itself: nothing reads the project after the
+  // run, and a copy would hold every component twice. The passes only reread the deck, so
+  // the design's memory goes back before they hold the deck's text.
+  gen.Run(*project);
+  project.reset();
   gen.ProbeProcess();
   gen.PostProcess();
   return 0;

@@ -1,4 +1,5 @@
 // Reads a design back from its SQLite file with one sequential scan per table.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -130,6 +131,11 @@ bool LoadBlocks(SqliteDb& db, Design& d) {
     if (comps >= kNone || nets >= kNone || ports >= kNone) return false;
     d.blocks.push_back(b);
   }
+  // The counts come from the file: a damaged one must not make us reserve without end.
+  constexpr uint64_t kMaxReserve = uint64_t(1) << 26;
+  d.comps.reserve(std::min(comps, kMaxReserve));
+  d.nets.reserve(std::min(nets, kMaxReserve));
+  d.ports.reserve(std::min(ports, kMaxReserve));
   return query.Finished();
 }
 
@@ -294,7 +300,8 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
     error = db.Message();
     return false;
   }
-  db.Exec("PRAGMA mmap_size=1073741824");
+  // Read through SQLite's small page cache rather than a mapping of the whole file, which would
+  // count the file once more in the memory of the run while the tables are copied out.
   bool ok = LoadMeta(db, design) && LoadStrings(db, design) && LoadAttrLists(db, design) &&
             LoadBlocks(db, design) && LoadSmallTables(db, design) && LoadNets(db, design) &&
             LoadPorts(db, design) && LoadComps(db, design);
@@ -304,6 +311,10 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
     return false;
   }
   design.strings.ReleaseIndex();
+  // Their sizes were not known ahead: give back what the growth left over, as the design
+  // stays in memory for the whole walk.
+  design.pins.shrink_to_fit();
+  design.links.shrink_to_fit();
   uint32_t comps = design.blocks.empty() ? 0 : design.blocks.back().compsEnd;
   uint32_t nets = design.blocks.empty() ? 0 : design.blocks.back().netsEnd;
   if (comps != design.comps.size() || nets != design.nets.size()) {

@@ -1,0 +1,81 @@
+// StringSet: packed texts and an open-addressed index with linear probing.
+#include "design/string_set.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr size_t kMinBlock = 64 * 1024;
+
+}  // namespace
+
+uint64_t StringSet::Hash(std::string_view text) {
+  // FNV-1a, then mixed so that the low bits, which pick the slot, depend on every byte.
+  uint64_t hash = 1469598103934665603ULL;
+  for (unsigned char c : text) hash = (hash ^ c) * 1099511628211ULL;
+  hash ^= hash >> 29;
+  hash *= 0xBF58476D1CE4E5B9ULL;
+  return hash ^ (hash >> 32);
+}
+
+size_t StringSet::Find(std::string_view text, uint64_t hash) const {
+  const size_t mask = slots_.size() - 1;
+  const uint32_t tag = static_cast<uint32_t>(hash);
+  for (size_t i = tag & mask;; i = (i + 1) & mask) {
+    const Slot& slot = slots_[i];
+    if (!slot.data) return i;
+    if (slot.tag == tag && std::string_view(slot.data, slot.size) == text) return i;
+  }
+}
+
+bool StringSet::Contains(std::string_view text) const {
+  if (slots_.empty()) return false;
+  return slots_[Find(text, Hash(text))].data != nullptr;
+}
+
+std::pair<std::string_view, bool> StringSet::Add(std::string_view text) {
+  if ((texts_.size() + 1) * 2 > slots_.size()) Grow();
+  uint64_t hash = Hash(text);
+  Slot& slot = slots_[Find(text, hash)];
+  if (slot.data) return {std::string_view(slot.data, slot.size), false};
+  std::string_view stored = Store(text);
+  slot.data = stored.data();
+  slot.size = static_cast<uint32_t>(stored.size());
+  slot.tag = static_cast<uint32_t>(hash);
+  texts_.push_back(stored);
+  return {stored, true};
+}
+
+std::string_view StringSet::Store(std::string_view text) {
+  if (text.empty()) return std::string_view("", 0);
+  if (blockUsed_ + text.size() > blockSize_) {
+    blockSize_ = text.size() > kMinBlock ? text.size() : kMinBlock;
+    blocks_.push_back(std::make_unique<char[]>(blockSize_));
+    blockUsed_ = 0;
+  }
+  char* at = blocks_.back().get() + blockUsed_;
+  std::memcpy(at, text.data(), text.size());
+  blockUsed_ += text.size();
+  return std::string_view(at, text.size());
+}
+
+void StringSet::Grow() {
+  std::vector<Slot> old;
+  old.swap(slots_);
+  slots_.assign(old.empty() ? 16 : old.size() * 2, Slot());
+  const size_t mask = slots_.size() - 1;
+  for (const Slot& slot : old) {
+    if (!slot.data) continue;
+    size_t i = slot.tag & mask;
+    while (slots_[i].data) i = (i + 1) & mask;
+    slots_[i] = slot;
+  }
+}
+
+void StringSet::Clear() {
+  // Gives the memory back: a cleared set of a large design is rarely filled again.
+  slots_ = std::vector<Slot>();
+  texts_ = std::vector<std::string_view>();
+  blocks_.clear();
+  blockUsed_ = blockSize_ = 0;
+}

@@ -1,0 +1,41 @@
+// A set of texts for the indexes beside large name lists: the texts are packed into big
+// blocks and found through an open-addressed table, so that a million names cost a few
+// allocations instead of one per name, and a lookup touches few cache lines.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+class StringSet {
+ public:
+  /// Adds `text`; false when it was there already.
+  bool Insert(std::string_view text) { return Add(text).second; }
+  /// The stored copy of `text`, added if need be, and whether it was added now.
+  std::pair<std::string_view, bool> Add(std::string_view text);
+  bool Contains(std::string_view text) const;
+  size_t Size() const { return texts_.size(); }
+  /// The texts in the order they were added; views stay valid until Clear.
+  const std::vector<std::string_view>& Texts() const { return texts_; }
+  void Clear();
+
+ private:
+  // The text is kept in the slot too, so that a lookup reads the slot and the text only.
+  struct Slot {
+    const char* data = nullptr;  // null: the slot is free
+    uint32_t size = 0;
+    uint32_t tag = 0;  // the low half of the hash: picks the slot, skips most comparisons
+  };
+  static uint64_t Hash(std::string_view text);
+  /// The slot that holds `text`, or the empty slot where it would go.
+  size_t Find(std::string_view text, uint64_t hash) const;
+  std::string_view Store(std::string_view text);
+  void Grow();
+
+  std::vector<Slot> slots_;  // a power of two in size, at most half full
+  std::vector<std::string_view> texts_;
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  size_t blockUsed_ = 0, blockSize_ = 0;
+};

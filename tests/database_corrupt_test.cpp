@@ -211,7 +211,8 @@ class CorruptDatabase : public ::testing::Test {
     sqlite3* db = nullptr;
     EXPECT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
     sqlite3_stmt* stmt = nullptr;
-    EXPECT_EQ(sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr), SQLITE_OK) << sql << sqlite3_errmsg(db);
+    EXPECT_EQ(sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr), SQLITE_OK)
+        << sql << sqlite3_errmsg(db);
     if (blob) sqlite3_bind_blob(stmt, 1, blob->data(), static_cast<int>(blob->size()), SQLITE_TRANSIENT);
     EXPECT_EQ(sqlite3_step(stmt), SQLITE_DONE) << sql << sqlite3_errmsg(db);
     EXPECT_GT(sqlite3_changes(db) + (sql.rfind("DROP", 0) == 0 || sql.rfind("ALTER", 0) == 0), 0) << sql;
@@ -268,8 +269,8 @@ TEST_F(CorruptDatabase, TheUndamagedFileLoadsAndWalks) {
 }
 
 TEST_F(CorruptDatabase, ATruncatedOrLengthenedFileIsRefused) {
-  for (size_t size : {size_t{0} + 1, size_t{16}, size_t{100}, size_t{4096}, good_.size() / 3, good_.size() / 2,
-                      good_.size() - 65536, good_.size() - 1}) {
+  for (size_t size : {size_t{0} + 1, size_t{16}, size_t{100}, size_t{4096}, good_.size() / 3,
+                      good_.size() / 2, good_.size() - 65536, good_.size() - 1}) {
     ExpectRefused(good_.substr(0, size), "truncated to " + std::to_string(size));
   }
   ExpectRefused(good_ + '\0', "one byte more");
@@ -295,19 +296,21 @@ TEST_F(CorruptDatabase, ADatabaseWithOtherTablesIsRefused) {
   fs::path file = folder_ / "other.sqlite";
   sqlite3* db = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-  sqlite3_exec(db, "CREATE TABLE parts(id INTEGER PRIMARY KEY, name TEXT); INSERT INTO parts VALUES(1, 'R1');",
+  sqlite3_exec(db,
+               "CREATE TABLE parts(id INTEGER PRIMARY KEY, name TEXT); INSERT INTO parts VALUES(1, 'R1');",
                nullptr, nullptr, nullptr);
   sqlite3_close(db);
   ExpectRefused(ReadBytes(file), "other tables");
 }
 
 TEST_F(CorruptDatabase, AMissingOrChangedTableIsRefused) {
-  for (const char* sql : {"DROP TABLE comps", "DROP TABLE meta", "DROP TABLE strings", "DROP TABLE attr_lists",
-                          "DROP TABLE groups", "DROP TABLE symbols", "DROP TABLE testbenches", "DROP TABLE ports",
-                          "DROP TABLE nets", "DROP TABLE blocks", "ALTER TABLE comps RENAME COLUMN pins TO p",
-                          "ALTER TABLE nets RENAME COLUMN grp TO g",
-                          "UPDATE meta SET value = 'vesk-design 2' WHERE key = 'format'",
-                          "DELETE FROM meta WHERE key = 'format'"}) {
+  for (const char* sql :
+       {"DROP TABLE comps", "DROP TABLE meta", "DROP TABLE strings", "DROP TABLE attr_lists",
+        "DROP TABLE groups", "DROP TABLE symbols", "DROP TABLE testbenches", "DROP TABLE ports",
+        "DROP TABLE nets", "DROP TABLE blocks", "ALTER TABLE comps RENAME COLUMN pins TO p",
+        "ALTER TABLE nets RENAME COLUMN grp TO g",
+        "UPDATE meta SET value = 'vesk-design 2' WHERE key = 'format'",
+        "DELETE FROM meta WHERE key = 'format'"}) {
     ExpectRefused(Edited(sql), sql);
   }
 }
@@ -415,7 +418,8 @@ TEST_F(CorruptDatabase, PinsAndPortsThatNameForeignNetsAreRefused) {
   };
   for (const Case& c : cases) {
     std::string blob = Blob(c.words);
-    ExpectRefused(Edited(c.sql, &blob), std::string(c.sql) + " with " + std::to_string(c.words.size()) + " words");
+    ExpectRefused(Edited(c.sql, &blob),
+                  std::string(c.sql) + " with " + std::to_string(c.words.size()) + " words");
   }
 }
 
@@ -435,26 +439,28 @@ std::string RandomEdit(std::mt19937& random) {
     const char* column;
   };
   static const Column kColumns[] = {
-      {"comps", "block"},  {"comps", "label"},  {"comps", "name"},       {"comps", "partition"},
-      {"comps", "type"},   {"comps", "child"},  {"comps", "inst_attrs"}, {"comps", "def_attrs"},
-      {"comps", "grp"},    {"comps", "number"}, {"comps", "id"},         {"nets", "block"},
-      {"nets", "label"},   {"nets", "attrs"},   {"nets", "grp"},         {"nets", "number"},
-      {"nets", "id"},      {"ports", "block"},  {"ports", "name"},       {"ports", "bus"},
-      {"ports", "width"},  {"ports", "attrs"},  {"blocks", "name"},      {"blocks", "comps"},
-      {"blocks", "nets"},  {"blocks", "ports"}, {"blocks", "id"},        {"groups", "name"},
-      {"groups", "type"},  {"symbols", "attrs"}, {"testbenches", "block"}, {"groups", "internal_id"}};
-  static const char* kValues[] = {"0",          "1",           "2",          "3",     "-1",   "NULL",
-                                  "4294967295", "4294967296",  "2147483648", "16777215", "16777216",
-                                  "'x'",        "x'00'",       "1e10",       "id + 1", "id - 1"};
+      {"comps", "block"}, {"comps", "label"},   {"comps", "name"},        {"comps", "partition"},
+      {"comps", "type"},  {"comps", "child"},   {"comps", "inst_attrs"},  {"comps", "def_attrs"},
+      {"comps", "grp"},   {"comps", "number"},  {"comps", "id"},          {"nets", "block"},
+      {"nets", "label"},  {"nets", "attrs"},    {"nets", "grp"},          {"nets", "number"},
+      {"nets", "id"},     {"ports", "block"},   {"ports", "name"},        {"ports", "bus"},
+      {"ports", "width"}, {"ports", "attrs"},   {"blocks", "name"},       {"blocks", "comps"},
+      {"blocks", "nets"}, {"blocks", "ports"},  {"blocks", "id"},         {"groups", "name"},
+      {"groups", "type"}, {"symbols", "attrs"}, {"testbenches", "block"}, {"groups", "internal_id"}};
+  static const char* kValues[] = {"0",          "1",          "2",          "3",        "-1",       "NULL",
+                                  "4294967295", "4294967296", "2147483648", "16777215", "16777216", "'x'",
+                                  "x'00'",      "1e10",       "id + 1",     "id - 1"};
   const Column& column = kColumns[random() % (sizeof kColumns / sizeof kColumns[0])];
   const char* value = kValues[random() % (sizeof kValues / sizeof kValues[0])];
-  return std::string("UPDATE ") + column.table + " SET " + column.column + " = " + value + " WHERE rowid IN (SELECT rowid FROM " +
-         column.table + " LIMIT 1 OFFSET " + std::to_string(random() % 5) + ")";
+  return std::string("UPDATE ") + column.table + " SET " + column.column + " = " + value +
+         " WHERE rowid IN (SELECT rowid FROM " + column.table + " LIMIT 1 OFFSET " +
+         std::to_string(random() % 5) + ")";
 }
 
 // Replaces one word of one blob with a random or telling value.
 std::string RandomBlobEdit(std::mt19937& random, const std::string& good, std::string& blob) {
-  static const char* kBlobs[][2] = {{"comps", "pins"}, {"ports", "nets"}, {"strings", "data"}, {"attr_lists", "data"}};
+  static const char* kBlobs[][2] = {
+      {"comps", "pins"}, {"ports", "nets"}, {"strings", "data"}, {"attr_lists", "data"}};
   const auto& which = kBlobs[random() % 4];
   sqlite3* db = nullptr;
   fs::path file = fs::temp_directory_path() / ("vesk-db-blob-" + std::to_string(::getpid()) + ".sqlite");
@@ -480,7 +486,8 @@ std::string RandomBlobEdit(std::mt19937& random, const std::string& good, std::s
   size_t at = (random() % (blob.size() / 4)) * 4;
   std::memcpy(&blob[at], &word, 4);
   if (random() % 4 == 0) blob.resize(blob.size() - 1 - random() % 3);
-  return std::string("UPDATE ") + which[0] + " SET " + which[1] + " = ?1 WHERE rowid = " + std::to_string(rowid);
+  return std::string("UPDATE ") + which[0] + " SET " + which[1] +
+         " = ?1 WHERE rowid = " + std::to_string(rowid);
 }
 
 TEST_F(CorruptDatabase, RandomEditsNeverCrashTheLoadOrTheInterface) {
@@ -497,7 +504,8 @@ TEST_F(CorruptDatabase, RandomEditsNeverCrashTheLoadOrTheInterface) {
     sqlite3_open(file.c_str(), &db);
     sqlite3_stmt* stmt = nullptr;
     if (sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr) == SQLITE_OK) {
-      if (!blob.empty()) sqlite3_bind_blob(stmt, 1, blob.data(), static_cast<int>(blob.size()), SQLITE_TRANSIENT);
+      if (!blob.empty())
+        sqlite3_bind_blob(stmt, 1, blob.data(), static_cast<int>(blob.size()), SQLITE_TRANSIENT);
       sqlite3_step(stmt);
     }
     sqlite3_finalize(stmt);
@@ -522,7 +530,8 @@ TEST_F(CorruptDatabase, FlippedBytesNeverCrashTheLoadOrTheInterface) {
     int flips = 1 + random() % 8;
     for (int i = 0; i < flips; ++i) bytes[random() % bytes.size()] ^= static_cast<char>(1 + random() % 255);
     std::string reason;
-    if (Loads(bytes, reason)) WalkEverything((folder_ / "database").string(), {"LEAF", "MID", "TOP", "bench"});
+    if (Loads(bytes, reason))
+      WalkEverything((folder_ / "database").string(), {"LEAF", "MID", "TOP", "bench"});
   }
 }
 
@@ -547,7 +556,8 @@ TEST_F(CorruptDatabase, VeskRunsOnEveryEditedDatabaseThatLoads) {
       input.import = false;
       input.files["database/design.sqlite"] = bytes;
       VeskRun run = RunVesk("", args, input);
-      EXPECT_TRUE(run.rc == 0 || run.rc == 1) << sql << " / " << args << ": rc " << run.rc << "\n" << run.output;
+      EXPECT_TRUE(run.rc == 0 || run.rc == 1) << sql << " / " << args << ": rc " << run.rc << "\n"
+                                              << run.output;
     }
   }
   EXPECT_GT(runs, 10);
@@ -569,11 +579,12 @@ TEST(MissingDatabase, AnotherSnapshotIsReportedAsOne) {
   fs::remove_all(folder);
   WriteBytes(folder / "design.json", R"({"snapshot": "Other", "blocks": [{"name": "TOP"}]})");
   std::string out, err;
-  ASSERT_EQ(RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder.string(), {}, out, err), 0) << err;
+  ASSERT_EQ(RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder.string(), {}, out, err), 0)
+      << err;
   int rc = RunProgram(BinaryDir() + "/vesk", "TOP", folder.string(), {{"GALT_HOME", "galt"}}, out, err);
   EXPECT_EQ(rc, 0);
-  EXPECT_EQ(out, "Couldn't Open TESSEL DataBase\nNo snapshot \"Qor\" in the design database \"" + folder.string() +
-                     "/database\"\n");
+  EXPECT_EQ(out, "Couldn't Open TESSEL DataBase\nNo snapshot \"Qor\" in the design database \"" +
+                     folder.string() + "/database\"\n");
   EXPECT_FALSE(fs::exists(folder / "TOP.cir"));
   fs::remove_all(folder);
 }

@@ -19,8 +19,8 @@ class VeskDbTool : public ::testing::Test {
  protected:
   void SetUp() override {
     static int serial = 0;
-    folder_ = fs::temp_directory_path() / ("vesk-db-tool-" + std::to_string(::getpid()) + "-" +
-                                            std::to_string(serial++));
+    folder_ = fs::temp_directory_path() /
+              ("vesk-db-tool-" + std::to_string(::getpid()) + "-" + std::to_string(serial++));
     fs::remove_all(folder_);
     fs::create_directories(folder_);
   }
@@ -169,8 +169,8 @@ std::string Dump(const std::string& location) {
       ports->GetIterNetsConnected(nets);
       IteratorT<const IBus> buses;
       ports->GetIterBusesConnected(buses);
-      out << " port " << portName.str() << " c=" << connected << " " << netsText(nets) << " " << busText(buses)
-          << " SIGNAL" << hasSignal << "=" << signal.str() << " BLANK" << hasBlank << "\n";
+      out << " port " << portName.str() << " c=" << connected << " " << netsText(nets) << " "
+          << busText(buses) << " SIGNAL" << hasSignal << "=" << signal.str() << " BLANK" << hasBlank << "\n";
     }
     IteratorT<const INet> nets;
     for (block->GetIterNets(nets); nets->IsValid(); nets++) {
@@ -181,13 +181,14 @@ std::string Dump(const std::string& location) {
       bool hasProbe = nets->GetAttribute("PROBE", probe, eAttrInstance);
       out << " net " << label.str() << " g=" << global << " PROBE" << hasProbe;
       const INet& net = *nets.operator->();
-      groupText([&](ListT<GroupInfo>& groups, EGroupType type) { net.GetListGroups(groups, type); }, *block, [&](const IBlockViewQor& view) {
-        IteratorT<const INetQor> qor;
-        view.GetIterNetsQor(net, qor);
-        NetDataQor data;
-        if (qor) qor->GetData(data);
-        return qor ? std::to_string(data.number) : std::string("none");
-      });
+      groupText([&](ListT<GroupInfo>& groups, EGroupType type) { net.GetListGroups(groups, type); }, *block,
+                [&](const IBlockViewQor& view) {
+                  IteratorT<const INetQor> qor;
+                  view.GetIterNetsQor(net, qor);
+                  NetDataQor data;
+                  if (qor) qor->GetData(data);
+                  return qor ? std::to_string(data.number) : std::string("none");
+                });
       out << "\n";
     }
     IteratorT<const IComp> comps;
@@ -210,10 +211,11 @@ std::string Dump(const std::string& location) {
         out << " " << it->name.str() << "=" << it->value.str() << "@" << it->level;
       out << "\n  groups:";
       const IComp& comp = *comps.operator->();
-      groupText([&](ListT<GroupInfo>& groups, EGroupType type) { comp.GetListGroups(groups, type); }, *block, [&](const IBlockViewQor& view) {
-        CompDataQor data;
-        return view.GetCompData(comp, data) ? std::to_string(data.number) : std::string("none");
-      });
+      groupText([&](ListT<GroupInfo>& groups, EGroupType type) { comp.GetListGroups(groups, type); }, *block,
+                [&](const IBlockViewQor& view) {
+                  CompDataQor data;
+                  return view.GetCompData(comp, data) ? std::to_string(data.number) : std::string("none");
+                });
       out << "\n";
       IteratorT<const IPin> pins;
       for (comps->GetIterPins(pins); pins->IsValid(); pins++) {
@@ -227,8 +229,8 @@ std::string Dump(const std::string& location) {
         pins->GetIterNetsConnected(pinNets);
         IteratorT<const IBus> buses;
         pins->GetIterBusesConnected(buses);
-        out << "  pin " << pinName.str() << " w=" << width << " c=" << connected << " " << netsText(pinNets) << " "
-            << busText(buses) << "\n";
+        out << "  pin " << pinName.str() << " w=" << width << " c=" << connected << " " << netsText(pinNets)
+            << " " << busText(buses) << "\n";
       }
     }
   }
@@ -252,13 +254,14 @@ TEST_F(VeskDbTool, TheDumpOfTheRichDesignReadsAsDescribed) {
   std::string dump = Dump((folder_ / "database").string());
   // Spot checks that the round trip compares something real.
   for (const char* line :
-       {"block mydesign -> (lib)_TOP\n", "block sub -> SUB\n", " net IN g=0 PROBE1 group(2)=7A#3\n", " net N\tTAB g=0 PROBE0 group(-3)=x\"y\\z#none\n",
-        " net NEG g=0 PROBE0 group(2)=#-5\n",
+       {"block mydesign -> (lib)_TOP\n", "block sub -> SUB\n", " net IN g=0 PROBE1 group(2)=7A#3\n",
+        " net N\tTAB g=0 PROBE0 group(-3)=x\"y\\z#none\n", " net NEG g=0 PROBE0 group(2)=#-5\n",
         " net OUT g=0 PROBE0\n", " port W c=0  bus=WB SIGNAL0= BLANK0\n",
         " port IN c=1 IN, nobus SIGNAL1=A BLANK1\n", "  pin B[3:0] w=4 c=1 B3,B2,B1,B0, bus=B\n",
         "  pin E w=0 c=0  nobus\n", "  pin Q w=1 c=1  nobus\n",
-        "  attrs: VALUE=1K@2 $$Own=é ü \x01@2 ORDER=VALUE$@1\n", " comp R2 name=RES.1 part= type=1 child=\n"
-                                                                   "  attrs: PREFIX=R@1 ORDER=VALUE$@1\n"}) {
+        "  attrs: VALUE=1K@2 $$Own=é ü \x01@2 ORDER=VALUE$@1\n",
+        " comp R2 name=RES.1 part= type=1 child=\n"
+        "  attrs: PREFIX=R@1 ORDER=VALUE$@1\n"}) {
     EXPECT_NE(dump.find(line), std::string::npos) << line << "\nin:\n" << dump;
   }
 }
@@ -362,7 +365,8 @@ const BadInput kBadInputs[] = {
     {R"({"blocks": [{"name": "A", "nets": [{"global": true}]}]})", "blocks[0].nets[0].label"},
     {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "global": "yes"}]}]})", "blocks[0].nets[0].global"},
     {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "number": "3"}]}]})", "blocks[0].nets[0].number"},
-    {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "number": 3000000000}]}]})", "blocks[0].nets[0].number"},
+    {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "number": 3000000000}]}]})",
+     "blocks[0].nets[0].number"},
     {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "group": "G"}]}]})", "blocks[0].nets[0].group"},
     {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "attributes": ["x"]}]}]})",
      "blocks[0].nets[0].attributes"},
@@ -380,7 +384,8 @@ const BadInput kBadInputs[] = {
      "blocks[0].components[0].attributes.V"},
     {R"({"blocks": [{"name": "A", "components": [{"label": "R", "definition": "x"}]}]})",
      "blocks[0].components[0].definition"},
-    {R"({"blocks": [{"name": "A", "components": [{"label": "R", "pins": {}}]}]})", "blocks[0].components[0].pins"},
+    {R"({"blocks": [{"name": "A", "components": [{"label": "R", "pins": {}}]}]})",
+     "blocks[0].components[0].pins"},
     {R"({"blocks": [{"name": "A", "components": [{"label": "R", "pins": ["A"]}]}]})",
      "blocks[0].components[0].pins[0]"},
     {R"({"blocks": [{"name": "A", "components": [{"label": "R", "pins": [{"net": "N"}]}]}]})",

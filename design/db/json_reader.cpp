@@ -53,7 +53,8 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     Json value;
     std::string key;  // the key of the value being read, in an object
     size_t count;     // the index of the value being read, in an array
-    std::unique_ptr<std::unordered_set<std::string>> keys;  // the keys of a large object
+    // The keys of a large object, for finding a repeated one.
+    std::unique_ptr<std::unordered_set<std::string>> keys;
   };
 
   // Small objects are searched; a large one gets a set of its keys, so that an object with

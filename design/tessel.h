@@ -9,6 +9,8 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace Tessel {
@@ -82,6 +84,12 @@ class BitContainerT {
   unsigned bits_ = 0;
 };
 
+/// Whether objects of type T answer IsValid themselves.
+template <class T, class = void>
+struct HasIsValid : std::false_type {};
+template <class T>
+struct HasIsValid<T, std::void_t<decltype(std::declval<T&>().IsValid())>> : std::true_type {};
+
 /// A copyable handle to a design object; copies refer to the same object.
 template <class T>
 class ContainerT {
@@ -91,7 +99,13 @@ class ContainerT {
   T* operator->() const { return object_.get(); }
   T& operator*() const { return *object_; }
   bool Empty() const { return !object_; }
-  Result IsValid() const { return object_ ? Result::Ok() : Result::Fail("empty handle"); }
+  /// Fails for an empty handle, and for a handle that a failed operation left holding the
+  /// invalid object of its kind.
+  Result IsValid() const {
+    if (!object_) return Result::Fail("empty handle");
+    if constexpr (HasIsValid<T>::value) return object_->IsValid();
+    return Result::Ok();
+  }
   const std::shared_ptr<T>& Shared() const { return object_; }
 
  private:

@@ -204,7 +204,9 @@ TEST_F(DatabaseTest, AComponentReachedThroughItsBlockHasNoPath) {
   Tessel::ContainerT<const IPath> path;
   comps->GetPath(path);
   EXPECT_FALSE(Usable(path));
-  if (!path.Empty()) EXPECT_EQ(HierName(*path, '\\'), "");
+  if (!path.Empty()) {
+    EXPECT_EQ(HierName(*path, '\\'), "");
+  }
 }
 
 TEST_F(DatabaseTest, OccurrencesOfOneComponentShareItsInstanceIndexAndDifferInPath) {
@@ -255,6 +257,7 @@ TEST_F(DatabaseTest, AChildBlockIsThereForEveryComponentThatNamesOne) {
   EXPECT_EQ(NameOf(*child), "LEAF");
   Comp(top, "XN")->GetChildBlock(child);
   EXPECT_FALSE(Usable(child));
+  EXPECT_FALSE(child.IsValid());  // the handle's own test says so as well
 }
 
 // ---- Indexes

@@ -58,33 +58,13 @@ int SuffixLength(std::string_view rest, std::string_view before) {
 
 int ClassifyValue(std::string_view text) {
   bool arithmetic = false, word = false;
-  int state = 0;  // 0 nothing yet, 1 in a number, 3 in a word
-  for (size_t i = 0; i < text.size(); ++i) {
-    char c = text[i];
-    if (c == '\'' || c == '{' || c == '}' || c == '\\') return kQuotedValue;
-    if (c == '/' || c == '*' || c == '+' || c == '-') {
-      arithmetic = true;
-      state = 0;
-      continue;
-    }
-    if (std::isalpha(static_cast<unsigned char>(c))) {
-      if (state == 1) {
-        int length = SuffixLength(text.substr(i), text.substr(i - 1));
-        if (length >= 1) {
-          i += length - 1;
-          continue;
-        }
-        if (c == 'E') {  // exponent: the letter and its sign or first digit
-          ++i;
-          continue;
-        }
-      }
-      state = 3;
-      word = true;
-      continue;
-    }
-    if (IsDigit(c) && state == 0) state = 1;
-  }
+  bool plain = ScanValue(text, [&](char c, ValueChar kind) {
+    if (c == '\'' || c == '{' || c == '}' || c == '\\') return false;
+    arithmetic |= kind == ValueChar::kOperator;
+    word |= kind == ValueChar::kWordLetter;
+    return true;
+  });
+  if (!plain) return kQuotedValue;
   if (arithmetic) return kArithmeticValue;
   return word ? kWordValue : kPlainNumber;
 }

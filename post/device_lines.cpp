@@ -300,32 +300,8 @@ void DraculaWord(std::string& word, const PostSettings& settings) {
 }
 
 bool IsPlainArithmetic(const std::string& text) {
-  const std::string upper = UpperCopy(text);
-  const std::string_view view(upper);
-  int state = 0;  // 0 nothing yet, 1 in a number, 3 behind a letter
-  for (size_t i = 0; i < view.size(); ++i) {
-    char c = view[i];
-    if (c == '/' || c == '*' || c == '+' || c == '-') {
-      state = 0;
-      continue;
-    }
-    if (std::isalpha(static_cast<unsigned char>(c))) {
-      if (state == 1) {
-        int length = SuffixLength(view.substr(i), view.substr(i - 1));
-        if (length >= 1) {
-          i += length - 1;
-          continue;
-        }
-        if (c == 'E') {  // exponent: the letter and its sign or first digit
-          ++i;
-          continue;
-        }
-      }
-      if (c != 'L' && c != 'W' && c != 'M') return false;
-      state = 3;
-      continue;
-    }
-    if (std::isdigit(static_cast<unsigned char>(c)) && state == 0) state = 1;
-  }
-  return true;
+  // Only the device letters L, W and M may stand as words in it.
+  return ScanValue(UpperCopy(text), [](char c, ValueChar kind) {
+    return kind != ValueChar::kWordLetter || c == 'L' || c == 'W' || c == 'M';
+  });
 }

@@ -5,9 +5,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
+
+using deckexpect::Head;
 
 // One MOS component whose template writes L= and W= words; the other cards come from
 // the header file.
@@ -32,12 +35,6 @@ const char kCards[] =
     "M5 D G S B MODEL=PCH L={2*3} W=LX\n"
     "B1 D G S NB W=2\n"
     "Q1 C B E QN M=2 $EA=M*2\n";
-
-std::string Head(const std::string& options) {
-  return "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
-         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " +
-         options + "\n* Levels    :\n*\n";
-}
 
 const char kDictionary[] = "* Dictionary 3\n* GND=0\n* IN=2\n* OUT=1\n";
 

@@ -4,25 +4,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
 
-// The head of a Pspice deck after both passes. A hierarchical deck loses the empty line behind
-// the date to the probe pass.
-std::string Head(const std::string& options, bool flat = true) {
-  return std::string("\n* Project TOP\n") +
-         "* Norvane Wirelist Created with Version 6.4.002\n"
-         "* File created <date>\n" +
-         (flat ? "\n" : "") +
-         "* Inifile   :\n"
-         "* ConfigFile:  galt\\standard\\vesk.cfg\n"
-         "* Options   :  " +
-         options +
-         "\n"
-         "* Levels    :\n"
-         "*\n";
-}
+using deckexpect::Head;
 
 // TOP places MID, MID places LEAF; VDD is global in both sub-blocks, K lives in LEAF alone.
 const char* const kThreeLevels = R"({
@@ -165,7 +152,7 @@ TEST(HierarchicalDeckTest, EachBlockIsDefinedOnceChildrenFirst) {
   // Each definition numbers its own nodes, ports first; the root's lines follow the definitions.
   VeskRun run = RunVesk(kThreeLevels, "-h TOP");
   EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "*Definition For Project LEAF\n"
                           ".SUBCKT LEAF 1 2\n"
                           "R1 1 3 3.000000K\n"
@@ -202,7 +189,7 @@ TEST(HierarchicalDeckTest, EachBlockIsDefinedOnceChildrenFirst) {
 TEST(HierarchicalDeckTest, AStoppedInstanceWithoutPrefixIsSkippedAndItsBlockNotDefined) {
   VeskRun run = RunVesk(kThreeLevels, "-h -lSTOP TOP");
   EXPECT_EQ(run.output, "*Note : Skipping Component X2\n");
-  EXPECT_EQ(run.deck, Head("-h -lSTOP TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h -lSTOP TOP", true) +
                           "*Definition For Project MID\n"
                           ".SUBCKT MID 1 2\n"
                           "R1 1 3 2.000000K\n"
@@ -229,7 +216,7 @@ TEST(HierarchicalDeckTest, AStoppedInstanceWithAPrefixStaysAsALine) {
                  R"("child": "LEAF", "attributes": { "PREFIX": "X" },)");
   VeskRun run = RunVesk(design, "-h -z -lSTOP TOP");
   EXPECT_EQ(run.output, "*Warning: No Model For X2.Defaulting  to LEAF\n");
-  EXPECT_EQ(run.deck, Head("-h -z -lSTOP TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h -z -lSTOP TOP", true) +
                           "*Definition For Project MID\n"
                           ".SUBCKT MID 1 2\n"
                           "R1 1 3 2.000000K\n"
@@ -292,7 +279,7 @@ const char* const kSharedBlock = R"({
 TEST(HierarchicalDeckTest, ABlockPlacedTwiceIsDefinedOnceWithThePinsOfItsFirstInstance) {
   // An instance label without its prefix gets it in front: U1 becomes XU1.
   VeskRun run = RunVesk(kSharedBlock, "-h TOP");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "*Definition For Project SUB\n"
                           ".SUBCKT SUB 2 1\n"
                           "R1 1 2 2.000000K\n"

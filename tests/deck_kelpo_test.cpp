@@ -4,19 +4,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
 
-// The comment block at the head of every deck, as the passes leave it. A flat deck keeps the
-// empty line behind the date; the probe pass of a hierarchical deck drops it.
-std::string Head(const std::string& options, bool flat) {
-  return std::string(
-             "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n") +
-         (flat ? "\n" : "") +
-         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " + options +
-         "\n* Levels    :\n*\n";
-}
+using deckexpect::Head;
 
 VeskInput KelpoDeck() {
   VeskInput input;
@@ -133,7 +126,7 @@ TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
   VeskRun run = RunVesk(kHierarchy, "-_ -h TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.output << run.errors;
   EXPECT_EQ(run.output, "*Note : Excluding Component E1\n*Note : Excluding Component E9\n");
-  EXPECT_EQ(run.deck, Head("-_ -h TOP", false) + kAmpDefinition +
+  EXPECT_EQ(run.deck, Head("-_ -h TOP", true) + kAmpDefinition +
                           "\n"
                           "R1 IN 0 1000.000000\n"
                           "X1 IN OUT AMP\n"
@@ -169,7 +162,7 @@ TEST(KelpoHierarchyTest, GlobalsFollowTheEndLine) {
   VeskRun run = RunVesk(design, "-_ TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.errors;
   EXPECT_EQ(run.deck,
-            Head("-_ TOP", true) +
+            Head("-_ TOP") +
                 "R1 VDD 0 1000.000000\n* Dictionary 1\n* GND = 0\n\n*.END\n\n*Globals\n.global VDD\n");
 }
 
@@ -236,7 +229,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
   ASSERT_EQ(run.rc, 0) << run.output << run.errors;
   EXPECT_EQ(run.output, kLongNote);
   EXPECT_EQ(run.deck,
-            Head("-_ -__ -7 -h TOP", false) +
+            Head("-_ -__ -7 -h TOP", true) +
                 ".include \"..\\..\\genhdl\\TOP\\TOP_sources.spi\"\n"
                 "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
                 "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
@@ -350,7 +343,7 @@ TEST(KelpoAnalysesTest, StatementsInKeyOrderAndProbesPerAnalysis) {
   EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"),
             "TOP/0 \nTOP/ac1 \nTOP/c1 \nTOP/f1 \nTOP/in \nTOP/n1 \nTOP/out \nTOP/p1 \nTOP/r1 \nTOP/s1 \n"
             "TOP/tr1 \nTOP/v1 \n");
-  EXPECT_EQ(run.deck, Head("-_ TOP", true) + kCircuit +
+  EXPECT_EQ(run.deck, Head("-_ TOP") + kCircuit +
                           ".AC DEC 10.000000 1.000000 1000.000000K\n"
                           ".FOUR V(OUT) 1000.000000\n"
                           ".NOISE V(OUT) V1\n"
@@ -378,7 +371,7 @@ TEST(KelpoAnalysesTest, NoiseWithoutAcAndFourierWithoutTranAreRefused) {
   EXPECT_EQ(
       run.output,
       "Error :Fourier analysis requires oscilloscope Error: Noise generator (.NOISE) requires Bode Plot");
-  EXPECT_EQ(run.deck, Head("-_ -w TOP", true) + kCircuit +
+  EXPECT_EQ(run.deck, Head("-_ -w TOP") + kCircuit +
                           ".DC V1 0 5.000000 1\n"
                           "* Dictionary 1\n"
                           "* GND=0\n"
@@ -394,7 +387,7 @@ TEST(KelpoAnalysesTest, NoiseWithoutAcAndFourierWithoutTranAreRefused) {
 // statement but drops its ".PRINT NOISE" line and every print statement.
 TEST(KelpoAnalysesTest, NoAnalysisNoPrintsAndIgnoredPrints) {
   VeskRun none = RunVesk(Analyses(kSens), "-_ TOP", KelpoDeck());
-  EXPECT_EQ(none.deck, Head("-_ TOP", true) + kCircuit +
+  EXPECT_EQ(none.deck, Head("-_ TOP") + kCircuit +
                            ".SENS V(OUT)\n"
                            "* Dictionary 1\n"
                            "* GND=0\n"
@@ -402,7 +395,7 @@ TEST(KelpoAnalysesTest, NoAnalysisNoPrintsAndIgnoredPrints) {
                            "\n"
                            "*.END\n");
   VeskRun ignored = RunVesk(Analyses(std::string(kNoise) + kAc), "-_ -i TOP", KelpoDeck());
-  EXPECT_EQ(ignored.deck, Head("-_ -i TOP", true) + kCircuit +
+  EXPECT_EQ(ignored.deck, Head("-_ -i TOP") + kCircuit +
                               ".AC DEC 10.000000 1.000000 1000.000000K\n"
                               ".NOISE V(OUT) V1\n"
                               "* Dictionary 1\n"

@@ -4,24 +4,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
 
-// The head of a flat deck after both passes.
-std::string Head(const std::string& options) {
-  return "\n* Project TOP\n"
-         "* Norvane Wirelist Created with Version 6.4.002\n"
-         "* File created <date>\n"
-         "\n"
-         "* Inifile   :\n"
-         "* ConfigFile:  galt\\standard\\vesk.cfg\n"
-         "* Options   :  " +
-         options +
-         "\n"
-         "* Levels    :\n"
-         "*\n";
-}
+using deckexpect::Head;
 
 // Seven nets with characters that some dialects drop, each tied to GND by a resistor.
 const char* const kOddNets = R"({

@@ -4,24 +4,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
 
-// The head of a deck after both passes; a hierarchical deck loses the empty line behind the date.
-std::string Head(const std::string& options, bool flat = true) {
-  return std::string("\n* Project TOP\n") +
-         "* Norvane Wirelist Created with Version 6.4.002\n"
-         "* File created <date>\n" +
-         (flat ? "\n" : "") +
-         "* Inifile   :\n"
-         "* ConfigFile:  galt\\standard\\vesk.cfg\n"
-         "* Options   :  " +
-         options +
-         "\n"
-         "* Levels    :\n"
-         "*\n";
-}
+using deckexpect::Head;
 
 // S1 joins A and B, S2 joins B and C; S3 has a pin without a net.
 const char* const kShunts = R"({
@@ -53,7 +41,7 @@ TEST(ShuntDeckTest, AHierarchicalDeckDropsTheShuntsAndNamesAChainAfterItsFirstNe
                             "*Note : Skipping Component S1\n"
                             "*Note : Skipping Component S2\n"
                             "*Note : Skipping Component S3\n");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "RA 1 2 2.000000K\n"
                           "*Note : Skipping Component S1\n"
                           "*Note : Skipping Component S2\n"
@@ -113,7 +101,7 @@ TEST(NetAttributeDeckTest, NetAliasRenamesAndNodeFixesTheNode) {
           "pins": [ { "name": "A", "net": "FIX" }, { "name": "B", "net": "GND" } ] } ] } ]
   })",
                         "-h TOP");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "R1 1 2 2.000000K\n"
                           "R2 2 7 3.000000K\n"
                           "R3 7 0 4.000000K\n"
@@ -163,7 +151,7 @@ TEST(NetAttributeDeckTest, AFlatDeckReadsNodeAttributesOfTheRootAlone) {
 
 TEST(NetAttributeDeckTest, AHierarchicalDeckReadsTheNodeAttributesOfEachBlock) {
   VeskRun run = RunVesk(kNodeAttributes, "-h TOP");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "*Definition For Project SUB\n"
                           ".SUBCKT SUB 1\n"
                           "R2 1 5 3.000000K\n"

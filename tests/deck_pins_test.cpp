@@ -4,24 +4,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
 
-// The head of a deck after both passes; a hierarchical deck loses the empty line behind the date.
-std::string Head(const std::string& options, bool flat = true) {
-  return std::string("\n* Project TOP\n") +
-         "* Norvane Wirelist Created with Version 6.4.002\n"
-         "* File created <date>\n" +
-         (flat ? "\n" : "") +
-         "* Inifile   :\n"
-         "* ConfigFile:  galt\\standard\\vesk.cfg\n"
-         "* Options   :  " +
-         options +
-         "\n"
-         "* Levels    :\n"
-         "*\n";
-}
+using deckexpect::Head;
 
 // A one-block design around the given components, resistors by default.
 std::string Design(const std::string& components) {
@@ -112,7 +100,7 @@ TEST(UnconnectedPinDeckTest, EachBlockInventsItsNodesFromN0) {
   })",
                         "-h TOP");
   EXPECT_EQ(run.output, "* Pin  is not connected\n* Pin  is not connected\n");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "*Definition For Project SUB\n"
                           ".SUBCKT SUB 1\n"
                           "R2 1 N0 2.000000K\n"
@@ -143,7 +131,7 @@ TEST(BusPinDeckTest, AConnectedBusPinIsOneNodeNamedAfterTheBus) {
       "* D = 1\n"
       "\n";
   EXPECT_EQ(RunVesk(design, "TOP").deck, Head("TOP") + lines + "*.END\n");
-  EXPECT_EQ(RunVesk(design, "-h TOP").deck, Head("-h TOP", false) + lines + "*.END\n\n");
+  EXPECT_EQ(RunVesk(design, "-h TOP").deck, Head("-h TOP", true) + lines + "*.END\n\n");
 }
 
 // P1 and P2 are voltage probes, P2 with a pin left open; R3 is a current probe.
@@ -182,7 +170,7 @@ TEST(VoltageProbeDeckTest, AFlatDeckKeepsTheMarkersAndANoteWaitsForTheNextLine) 
 
 TEST(VoltageProbeDeckTest, AHierarchicalDeckLosesTheMarkersToTheProbePass) {
   VeskRun run = RunVesk(Design(kProbes), "-h TOP");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "R1 1 0 2.000000K\n"
                           "R2 2 0 3.000000K\n"
                           "* Pin  is not connected\n"
@@ -223,7 +211,7 @@ TEST(DictionaryDeckTest, AFlatDeckWithoutGroundEndsItsDictionaryWithTheWarning) 
 TEST(DictionaryDeckTest, AHierarchicalDeckWarnsInTheRootOnly) {
   VeskRun run = RunVesk(NoGroundDesign(), "-h TOP");
   EXPECT_EQ(run.output, std::string(kGroundWarning) + "\n");
-  EXPECT_EQ(run.deck, Head("-h TOP", false) +
+  EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "*Definition For Project SUB\n"
                           ".SUBCKT SUB 1\n"
                           "R2 1 2 2.000000K\n"

@@ -5,9 +5,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
+
+using deckexpect::Head;
 
 const char* const kDesign = R"({
   "blocks": [
@@ -50,13 +53,6 @@ const char kHeader[] =
     "K7 L1 L2 K=0.5\n"
     "D9 A B DX\n"
     "+ AREA=@AR\n";
-
-// The flat deck's head after the pass: one empty line ahead of it, trailing blanks gone.
-std::string Head(const std::string& options) {
-  return "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
-         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " +
-         options + "\n* Levels    :\n*\n";
-}
 
 const char kDictionary[] = "* Dictionary 3\n* GND=0\n* OUT=2\n* IN=1\n*.END\n";
 

@@ -4,9 +4,12 @@
 
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
+
+using deckexpect::Head;
 
 // TOP places AMP twice and probes OUT; AMP senses the current of R1, probes MID and
 // places BUF, which probes Q. Hierarchical instances carry an (empty) ORDER.
@@ -50,13 +53,6 @@ const char* const kDesign = R"({
 
 const char kAcTranHeader[] = ".ac dec 10 1 1k\n.tran 1n 10n\n.probe/csdf V(IN)\n";
 
-// The head of a deck after the probe pass, which drops the empty line behind the date.
-std::string Head(const std::string& options) {
-  return "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n"
-         "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " +
-         options + "\n* Levels    :\n*\n";
-}
-
 // Definitions and root lines with node names (-n), markers gone. A .ENDS followed by the
 // empty line that opens the next definition keeps two empty lines.
 const char kNamedBody[] =
@@ -97,7 +93,7 @@ TEST(DeckProbesTest, PspiceProbeWordWritesDecibelAndPhaseUnderCsdfForAc) {
     const std::string probe = current ? p : "(" + p + ")";
     statements += ".PROBE/CSDF\n" + t + "DB" + probe + " " + t + "P" + probe + "\n.PROBE " + t + probe + "\n";
   }
-  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
+  EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE  V(IN)\n\n*.END\n\n");
 }
 
@@ -114,7 +110,7 @@ TEST(DeckProbesTest, PspicePrintWordWithNumbersAndItems) {
   for (const char* probe :
        {"V(X1.3)", "I(X1.R1)", "V(X1.X3.2)", "V(2)", "V(X2.3)", "I(X2.R1)", "V(X2.X3.2)", "I(V1)"})
     statements += std::string(".PRINT DC ") + probe + "\n.PRINT TRAN " + probe + "\n";
-  EXPECT_EQ(run.deck, Head(args) + ".dc V1 0 5 0.1\n.TRAN 1n 10n\n.mc 10 tran V(1) YMAX\n" + kNumberedBody +
+  EXPECT_EQ(run.deck, Head(args, true) + ".dc V1 0 5 0.1\n.TRAN 1n 10n\n.mc 10 tran V(1) YMAX\n" + kNumberedBody +
                           "* IN=1\n" + statements + ".PRINT DC V(1)\n.PRINT TRAN  V(1)\n\n*.END\n\n");
 }
 
@@ -132,7 +128,7 @@ std::string DecibelStatements(const std::string& word) {
 TEST(DeckProbesTest, HspiceStatementsFollowTheOptionsLine) {
   const std::string args = "-h -m -n -ghdr.inc TOP";
   VeskRun run = RunWithHeader(args, kAcTranHeader);
-  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody +
+  EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody +
                           ".OPTIONS INGOLD=2 CSDF=2\n" + DecibelStatements(".PROBE") +
                           ".PROBE  V(IN)\n\n*.END\n\n");
 }
@@ -140,7 +136,7 @@ TEST(DeckProbesTest, HspiceStatementsFollowTheOptionsLine) {
 TEST(DeckProbesTest, KelpoDeckInItsFolderGetsTheDecibelForm) {
   const std::string args = "-_ -h -n -w -ghdr.inc TOP";
   VeskRun run = RunWithHeader(args, kAcTranHeader, "genhdl/TOP/TOP.cir");
-  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody +
+  EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody +
                           DecibelStatements(".PRINT") + ".PRINT AC V(IN)\n.PRINT TRAN  V(IN)\n\n*.END\n\n");
 }
 
@@ -152,7 +148,7 @@ TEST(DeckProbesTest, BerkeleyPrintsPlainValuesUnderEachAnalysis) {
        {"V(X1.MID)", "I(X1.R1)", "V(X1.X3.Q)", "V(OUT)", "V(X2.MID)", "I(X2.R1)", "V(X2.X3.Q)"})
     statements += std::string(".PRINT AC ") + probe + "\n.PRINT TRAN " + probe + "\n";
   // The items follow the print word, which stays ".PROBE" without -w.
-  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
+  EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE  V(IN)\n\n*.END\n\n");
 }
 
@@ -166,19 +162,19 @@ TEST(DeckProbesTest, AnalogDependenciesKeepOnlyTheCsdfStatements) {
         "VDB([OUT]) VP([OUT])", "VDB([X2.MID]) VP([X2.MID])", "IDB(X2.R1) IP(X2.R1)",
         "VDB([X2.X3.Q]) VP([X2.X3.Q])"})
     statements += std::string(".PROBE/CSDF\n") + probe + "\n";
-  EXPECT_EQ(run.deck, Head(args) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
+  EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE/CSDF\n\n*.END\n\n");
 }
 
 TEST(DeckProbesTest, WithoutAnalysisOnlyProbeItemsComeBack) {
   VeskRun probe = RunWithHeader("-h -ghdr.inc TOP", ".TRAN 1n 10n\n.probe/csdf V(1)\n");
-  EXPECT_EQ(probe.deck, Head("-h -ghdr.inc TOP") + ".TRAN 1n 10n\n" + kNumberedBody +
+  EXPECT_EQ(probe.deck, Head("-h -ghdr.inc TOP", true) + ".TRAN 1n 10n\n" + kNumberedBody +
                             "* IN=1\n.PROBE  V(1)\n\n*.END\n\n");
   // Under .PRINT an item needs an analysis: nothing but the empty line is written, and
   // the dictionary's last entry, now ahead of it, keeps its blanks.
   VeskRun print = RunWithHeader("-h -w -ghdr.inc TOP", ".TRAN 1n 10n\n.probe/csdf V(1)\n");
   EXPECT_EQ(print.deck,
-            Head("-h -w -ghdr.inc TOP") + ".TRAN 1n 10n\n" + kNumberedBody + "* IN = 1\n\n*.END\n\n");
+            Head("-h -w -ghdr.inc TOP", true) + ".TRAN 1n 10n\n" + kNumberedBody + "* IN = 1\n\n*.END\n\n");
 }
 
 // -i leaves the deck to the post-process pass alone: markers and items stay as comments
@@ -217,7 +213,7 @@ TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
   for (const char* probe :
        {"V([X1.MID])", "I(X1.R1)", "V([X1.X3.Q])", "V([OUT])", "V([X2.MID])", "I(X2.R1)", "V([X2.X3.Q])"})
     statements += std::string(".PROBE ") + probe + "\n";
-  EXPECT_EQ(run.deck, Head(args) +
+  EXPECT_EQ(run.deck, Head(args, true) +
                           ".SUBCKT AMP 1 2\n.model DX D\nR1 1 2 1K\n.ENDS\n\n"
                           ".model QX NPN (BF=100) * comment\n+ IS=1E-15\n.MODEL QX PNP\n.model DX D\n"
                           ".model ONE\n.model TWO\n.SUBCKT AMP 1 2\n.ENDS\n\n.tran 1n 10n\n" +
@@ -259,9 +255,9 @@ TEST(DeckProbesTest, InitialConditionsInEachDialect) {
       "X1 1 2 AMP\nR1 2 0 1000.000000\n* Dictionary 3\n* GND=0\n* OUT=2\n* IN=1\n"
       ".NODESET V(IN)=5 V(OUT)=1.5\n.IC V(OUT)=0.2\n.GUESS V(IN)=4\n";
   VeskRun hspice = RunVesk(kInitialDesign, "-h -m TOP");
-  EXPECT_EQ(hspice.deck, Head("-h -m TOP") + body + ".OPTIONS INGOLD=2 CSDF=2\n\n*.END\n\n");
+  EXPECT_EQ(hspice.deck, Head("-h -m TOP", true) + body + ".OPTIONS INGOLD=2 CSDF=2\n\n*.END\n\n");
   VeskRun berkeley = RunVesk(kInitialDesign, "-s -h TOP");
-  EXPECT_EQ(berkeley.deck, Head("-s -h TOP") + body + "\n*.END\n\n");
+  EXPECT_EQ(berkeley.deck, Head("-s -h TOP", true) + body + "\n*.END\n\n");
 }
 
 }  // namespace

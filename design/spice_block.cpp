@@ -293,6 +293,6 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 
 void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
   SpiceComp flat;
-  flat.LoadFlat(comp, options, *pinNodes);
+  flat.LoadFlat(comp, options, *pinNodes, &gatheredAttributes);
   comps.push_back(std::move(flat));
 }

@@ -58,6 +58,7 @@ class SpiceBlock {
   std::string instancePath;
   Tessel::IUIDManager* uidManager = nullptr;
   std::shared_ptr<PinNodeTable> pinNodes = std::make_shared<PinNodeTable>();
+  GatheredAttributesCache gatheredAttributes;  // by attribute lists, for the flat walk
   Tessel::IteratorT<const Tessel::IComp> compIter;
 
   void ScanShunts(Tessel::ContainerT<const Tessel::IBlock> block);

@@ -201,6 +201,23 @@ void SpiceComp::GatherAttributes(const Tessel::IComp& comp) {
   attrs.Assign(std::move(table));
 }
 
+void SpiceComp::GatherAttributesOnce(const Tessel::IComp& comp, GatheredAttributesCache* gathered) {
+  uint64_t id = 0;
+  if (!gathered || !comp.GetAttributeListsId(id)) return GatherAttributes(comp);
+  auto [entry, added] = gathered->try_emplace(id);
+  GatheredAttributes& known = entry->second;
+  if (added) {
+    GatherAttributes(comp);
+    known.attrs = attrs;
+    known.bareKeys = bareKeys;
+    known.hasAttributes = hasAttributes;
+    return;
+  }
+  attrs = known.attrs;
+  bareKeys = known.bareKeys;
+  hasAttributes = known.hasAttributes;
+}
+
 std::string ComponentInternalName(const Tessel::IComp& comp, Tessel::IUIDManager* uidManager) {
   Tessel::ListT<Tessel::GroupInfo> groups;
   comp.GetListGroups(groups, Tessel::eGroupInternal);
@@ -427,7 +444,7 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
 }
 
 void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
-                         const PinNodeTable& pinNodes) {
+                         const PinNodeTable& pinNodes, GatheredAttributesCache* gathered) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -436,7 +453,9 @@ void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter,
   Tessel::String text;
   comp.GetLabel(text);
   label = text.str();
-  GatherAttributes(comp);
+  bareKeys.clear();
+  hasAttributes = false;
+  GatherAttributesOnce(comp, gathered);
   LoadPinsFlat(comp, pinNodes, scope);
   DecideKind(comp, options);
   FormDeckName(options);

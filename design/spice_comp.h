@@ -78,14 +78,24 @@ class AttributeTable {
   const List* list_;
 };
 
+/// What GatherAttributes made of one distinct attribute list, for a flat walk that meets
+/// the same list on many components.
+struct GatheredAttributes {
+  AttributeTable attrs;
+  std::vector<std::string> bareKeys;
+  bool hasAttributes = false;
+};
+using GatheredAttributesCache = std::unordered_map<uint64_t, GatheredAttributes>;
+
 class SpiceComp {
  public:
   /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
   void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
             const std::string& instancePath);
   /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
+  /// `gathered` (may be null) keeps the attributes of each list already read.
   void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
-                const PinNodeTable& pinNodes);
+                const PinNodeTable& pinNodes, GatheredAttributesCache* gathered = nullptr);
 
   /// The value under the upper-cased key, or an empty string.
   std::string Attribute(const std::string& key) const;
@@ -133,6 +143,8 @@ class SpiceComp {
   Tessel::IUIDManager* uidManager = nullptr;
 
   void GatherAttributes(const Tessel::IComp& comp);
+  /// GatherAttributes on a component with no attributes yet, through `gathered`.
+  void GatherAttributesOnce(const Tessel::IComp& comp, GatheredAttributesCache* gathered);
   void LoadPins(const Tessel::IComp& comp);
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes);
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes, const FlatScope& scope);

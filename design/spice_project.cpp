@@ -109,6 +109,7 @@ void SpiceProject::ReleaseWalkState() {
   auto release = [](SpiceBlock& block) {
     block.block = Tessel::ContainerT<const Tessel::IBlock>();
     block.compIter = Tessel::IteratorT<const Tessel::IComp>();
+    block.gatheredAttributes = GatheredAttributesCache();
   };
   release(rootBlock);
   for (SpiceBlock& block : subBlocks) release(block);

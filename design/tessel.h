@@ -243,6 +243,9 @@ class IComp : public IObject {
   virtual Result GetChildBlock(ContainerT<const IBlock>& block) const = 0;
   virtual Result GetAttribute(const String& key, String& value, EAttributeType level) const = 0;
   virtual Result GetAttributes(ListAttribute& attributes) const = 0;
+  /// A number that two components share only when GetAttributes gives both the same list,
+  /// so that a walk can read each distinct list once; false when the source has none.
+  virtual bool GetAttributeListsId(uint64_t& /*id*/) const { return false; }
   virtual Result GetPinsCount(int& count) const = 0;
   virtual Result GetIterPins(IteratorT<const IPin>& it) const = 0;
   virtual Result GetListGroups(ListT<GroupInfo>& groups, EGroupType type) const = 0;

@@ -205,6 +205,14 @@ Result CompObj::GetAttributes(Tessel::ListAttribute& attributes) const {
   return Result::Ok();
 }
 
+bool CompObj::GetAttributeListsId(uint64_t& id) const {
+  if (!db_) return false;
+  // Equal lists are stored once, so the two list numbers name the attributes.
+  const CompRec* c = Record();
+  id = static_cast<uint64_t>(c->instAttrs) << 32 | c->defAttrs;
+  return true;
+}
+
 Result CompObj::GetPinsCount(int& count) const {
   if (!db_) return kInvalid;
   count = static_cast<int>(Record()->pinsCount);

@@ -69,6 +69,7 @@ class CompObj : public Tessel::IComp {
   Result GetChildBlock(Tessel::ContainerT<const Tessel::IBlock>& block) const override;
   Result GetAttribute(const String& key, String& value, Tessel::EAttributeType level) const override;
   Result GetAttributes(Tessel::ListAttribute& attributes) const override;
+  bool GetAttributeListsId(uint64_t& id) const override;
   Result GetPinsCount(int& count) const override;
   Result GetIterPins(Tessel::IteratorT<const Tessel::IPin>& it) const override;
   Result GetListGroups(Tessel::ListT<Tessel::GroupInfo>& groups, Tessel::EGroupType type) const override;

@@ -114,12 +114,11 @@ struct Filter {
 
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table) {
   if (name.empty()) return InventNode(table);
-  if (name.compare(0, 3, "GND") == 0) table[name] = "0";
-  auto found = table.find(name);
-  if (found != table.end() && !found->second.empty()) return found->second;
-  std::string node =
-      options.useNodeNames ? LegalizeName(options, name) : std::to_string(++options.nextNodeNumber);
-  table[name] = node;
+  // One lookup finds the entry or makes its place.
+  std::string& node = table.try_emplace(name).first->second;
+  if (name.compare(0, 3, "GND") == 0) node = "0";
+  if (node.empty())
+    node = options.useNodeNames ? LegalizeName(options, name) : std::to_string(++options.nextNodeNumber);
   return node;
 }
 

@@ -60,7 +60,7 @@ namespace {
 using AttributePair = AttributeTable::Pair;
 using AttributeList = AttributeTable::List;
 
-bool KeyBefore(const AttributePair& entry, const std::string& key) { return *entry.first < key; }
+bool KeyBefore(const AttributePair& entry, std::string_view key) { return std::string_view(*entry.first) < key; }
 
 // Texts are interned, so a list is known by the addresses it holds.
 struct ListHash {
@@ -85,7 +85,7 @@ const AttributeList* InternList(AttributeList list) {
 
 AttributeTable::AttributeTable() : list_(InternList(AttributeList())) {}
 
-const std::string& AttributeTable::Get(const std::string& upperKey) const {
+const std::string& AttributeTable::Get(std::string_view upperKey) const {
   auto it = std::lower_bound(list_->begin(), list_->end(), upperKey, KeyBefore);
   return it != list_->end() && *it->first == upperKey ? *it->second : kEmpty;
 }

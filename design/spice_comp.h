@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -60,7 +61,8 @@ class AttributeTable {
   };
 
   AttributeTable();
-  const std::string& Get(const std::string& upperKey) const;
+  /// A view, so that callers with a literal key build no string.
+  const std::string& Get(std::string_view upperKey) const;
   void Set(const std::string& upperKey, const std::string& value);
   /// Stores only when the present value is empty (definition level).
   void SetIfEmpty(const std::string& upperKey, const std::string& value);

@@ -5,9 +5,9 @@
 #include "design/platform.h"
 #include "gen/spice_gen.h"
 
-void CSpiceGen::AddDictionaryLine(std::string line) {
+void CSpiceGen::AddDictionaryLine(std::string_view line) {
   // Nets with internal names ("$...") show only in a verbose dictionary.
-  if (!probeAll && !verbose && line.find('$') == 2) return;
+  if (!probeAll && !verbose && line.size() > 2 && line[2] == '$' && line[0] != '$' && line[1] != '$') return;
   dictionaryLines.Add(line);
 }
 

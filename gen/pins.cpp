@@ -61,7 +61,9 @@ void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
 
 void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet* entry) {
   std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net);
-  node = TrimmedWhite(node);
+  if (!node.empty() && (std::isspace(static_cast<unsigned char>(node.front())) ||
+                        std::isspace(static_cast<unsigned char>(node.back()))))
+    node = TrimmedWhite(node);
   if (group && entry && entry->busBit && entry->firstBit) {
     out << " ( " << node;
   } else if (group && entry && entry->busBit && entry->lastBit) {
@@ -72,7 +74,11 @@ void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet*
     out << ' ' << node;
   }
   if (node == "0") groundSeen = true;
-  if (!net.empty() && net != node) AddDictionaryLine("* " + net + " = " + node);
+  if (!net.empty() && net != node) {
+    // One buffer for all the lines: most of them are there already.
+    dictionaryLine_.assign("* ").append(net).append(" = ").append(node);
+    AddDictionaryLine(dictionaryLine_);
+  }
 }
 
 std::string CSpiceGen::MapNodeList(std::string nets) {

@@ -42,7 +42,9 @@ void CSpiceGen::OpenWirelist(SpiceProject& project) {
 }
 
 void CSpiceGen::BeginBlock(SpiceBlock& block) {
-  nodes = block.NodeMap();
+  // Each block is written once: its table moves here instead of being copied.
+  nodes = std::move(block.NodeMap());
+  block.NodeMap().clear();
   for (const auto& [key, value] : nameMap) {
     std::string node = nodes[value];
     nodes[key] = node;

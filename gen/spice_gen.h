@@ -9,6 +9,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -84,7 +85,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   void WritePinNode(const std::string& net, bool group, const SpiceNet* entry);
 
   // ---- gen/dictionary.cpp ----
-  void AddDictionaryLine(std::string line);
+  void AddDictionaryLine(std::string_view line);
   void WriteDictionary(int flag);
   void OpenCrossReference(std::string group);
 
@@ -118,6 +119,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
 
   // ---- run state ----
   NodeTable nodes;
+  std::string dictionaryLine_;  // reused by WritePinNode for each dictionary line
   DeckStream out;
   std::vector<std::string> notes;
   NewestFirstList dictionaryLines;

@@ -12,13 +12,13 @@ class NewestFirstList {
  public:
   /// Inserts at the head. Returns false (and changes nothing) when `unique` is set
   /// and the text is there already.
-  bool Add(const std::string& text, bool unique = true) {
+  bool Add(std::string_view text, bool unique = true) {
     auto [stored, added] = index_.Add(text);
     if (unique && !added) return false;
     items_.push_back(stored);
     return true;
   }
-  bool Contains(const std::string& text) const { return index_.Contains(text); }
+  bool Contains(std::string_view text) const { return index_.Contains(text); }
   size_t Size() const { return items_.size(); }
   bool Empty() const { return items_.empty(); }
   void Clear() {

@@ -312,8 +312,8 @@ void SpiceComp::FormDeckName(const WireOptions& options) {
 
 // ---- pins ----
 
-void SpiceComp::AddPin(const std::string& key, SpiceNet net) {
-  pinNets.push_back(PinEntry{key, std::move(net)});
+void SpiceComp::AddPin(std::string key, SpiceNet net) {
+  pinNets.push_back(PinEntry{std::move(key), std::move(net)});
 }
 
 void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets) {
@@ -393,7 +393,7 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
     SpiceNet entry;
     if (!isConnected) {
       entry.connected = false;
-      AddPin(pinName.str(), std::move(entry));
+      AddPin(std::move(pinName.str()), std::move(entry));
       continue;
     }
     Tessel::IteratorT<const Tessel::INet> nets;
@@ -404,11 +404,15 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
     if (!buses.IsValid()) {
       Tessel::String netLabel;
       nets->GetLabel(netLabel);
-      entry.label = netLabel.str();
+      entry.label = std::move(netLabel.str());
       nets->IsGlobal(entry.isGlobal);
     }
-    entry.name = FlatNetNameIn(scope, nets, buses, pinNodes);
-    AddPin(pinName.str(), std::move(entry));
+    // A net of the top block is named by its label, read just above.
+    if (scope.hier.empty() && !buses.IsValid() && !buses->IsValid())
+      entry.name = entry.label;
+    else
+      entry.name = FlatNetNameIn(scope, nets, buses, pinNodes);
+    AddPin(std::move(pinName.str()), std::move(entry));
   }
 }
 

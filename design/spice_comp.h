@@ -152,7 +152,7 @@ class SpiceComp {
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes, const FlatScope& scope);
   void DecideKind(const Tessel::IComp& comp, const WireOptions& options);
   void FormDeckName(const WireOptions& options);
-  void AddPin(const std::string& key, SpiceNet net);
+  void AddPin(std::string key, SpiceNet net);
   void ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets);
 
  private:

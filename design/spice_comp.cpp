@@ -60,7 +60,9 @@ namespace {
 using AttributePair = AttributeTable::Pair;
 using AttributeList = AttributeTable::List;
 
-bool KeyBefore(const AttributePair& entry, std::string_view key) { return std::string_view(*entry.first) < key; }
+bool KeyBefore(const AttributePair& entry, std::string_view key) {
+  return std::string_view(*entry.first) < key;
+}
 
 // Texts are interned, so a list is known by the addresses it holds.
 struct ListHash {

@@ -5,7 +5,8 @@ namespace vdb {
 
 bool SqliteDb::Open(const std::string& file, bool create) {
   // A connection is only ever used by the thread that opened it: no locking per call.
-  int flags = (create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
+  int flags =
+      (create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
   return sqlite3_open_v2(file.c_str(), &db_, flags, nullptr) == SQLITE_OK;
 }
 

@@ -74,24 +74,14 @@ bool Same(const Tessel::Index& a, const Tessel::Index& b) { return a.word0 == b.
 
 // ---- Configs and paths
 
-TEST_F(DatabaseTest, TheDefaultConfigListsEveryOccurrenceDepthFirst) {
+TEST_F(DatabaseTest, EachBlocksDefaultConfigListsEveryOccurrenceDepthFirst) {
   Open(kTree);
   auto config = Config(Block("TOP"));
   ASSERT_FALSE(config.Empty());
   EXPECT_EQ(PathList(*config, '\\'), (Strings{"TOP@", "MID@X1", "LEAF@X1\\XL", "LEAF@X2", "LEAF@X3"}));
-}
-
-TEST_F(DatabaseTest, HierarchicalNamesUseTheSeparatorOfTheCaller) {
-  Open(kTree);
-  auto config = Config(Block("TOP"));
+  // Hierarchical names use the separator of the caller.
   EXPECT_EQ(PathList(*config, '!'), (Strings{"TOP@", "MID@X1", "LEAF@X1!XL", "LEAF@X2", "LEAF@X3"}));
-  EXPECT_EQ(PathList(*config, '\\'), (Strings{"TOP@", "MID@X1", "LEAF@X1\\XL", "LEAF@X2", "LEAF@X3"}));
-  EXPECT_EQ(PathList(*config, '.'), (Strings{"TOP@", "MID@X1", "LEAF@X1.XL", "LEAF@X2", "LEAF@X3"}));
-}
-
-TEST_F(DatabaseTest, EachBlockHasItsOwnDefaultConfig) {
-  Open(kTree);
-  EXPECT_EQ(PathList(*Config(Block("MID")), '\\'), (Strings{"MID@", "LEAF@XL"}));
+  EXPECT_EQ(PathList(*Config(Block("MID")), '.'), (Strings{"MID@", "LEAF@XL"}));
   EXPECT_EQ(PathList(*Config(Block("LEAF")), '\\'), (Strings{"LEAF@"}));
   Tessel::ContainerT<const IConfig> byName;
   snapshot_->GetDefaultConfig(byName, "MID");
@@ -123,13 +113,14 @@ TEST_F(DatabaseTest, APathKnowsItsBlockAndTheInstanceThatPlacesIt) {
   EXPECT_EQ(NameOf(*holder), "MID");
 }
 
-TEST_F(DatabaseTest, APathIndexFetchesThatPath) {
+TEST_F(DatabaseTest, APathIndexFetchesThatPathFromItsOwnConfigOnly) {
   Open(kTree);
   auto config = Config(Block("TOP"));
+  auto mid = Config(Block("MID"));
   IteratorT<const IPath> paths;
   config->GetIterPaths(paths);
   std::set<std::pair<uint32_t, uint32_t>> seen;
-  for (; paths->IsValid(); paths++) {
+  for (int at = 0; paths->IsValid(); paths++, at++) {
     Tessel::Index index;
     paths->GetIndex(index);
     seen.insert({index.word0, index.word1});
@@ -138,43 +129,12 @@ TEST_F(DatabaseTest, APathIndexFetchesThatPath) {
     ASSERT_TRUE(Usable(fetched));
     EXPECT_EQ(HierName(*fetched, '!'), HierName(*paths.operator->(), '!'));
     EXPECT_EQ(NameOf(*fetched), NameOf(*paths.operator->()));
+    if (at == 3) {  // LEAF through X2: MID's config has no fourth path
+      mid->GetPath(fetched, index);
+      EXPECT_FALSE(Usable(fetched));
+    }
   }
   EXPECT_EQ(seen.size(), 5u);
-}
-
-TEST_F(DatabaseTest, APathIndexOfAnotherConfigFetchesNothing) {
-  Open(kTree);
-  auto top = Config(Block("TOP"));
-  auto mid = Config(Block("MID"));
-  IteratorT<const IPath> paths;
-  top->GetIterPaths(paths);
-  paths++;
-  paths++;
-  paths++;  // LEAF through X2: MID's config has no fourth path
-  Tessel::Index index;
-  paths->GetIndex(index);
-  Tessel::ContainerT<const IPath> fetched;
-  mid->GetPath(fetched, index);
-  EXPECT_FALSE(Usable(fetched));
-}
-
-TEST_F(DatabaseTest, TheSubPathLookupOfTheRootOptionFindsAPathByName) {
-  // The way the project looks for a root below the top: walk the paths, fetch each by its index.
-  Open(kTree);
-  auto config = Config(Block("TOP"));
-  IteratorT<const IPath> paths;
-  std::string found;
-  for (config->GetIterPaths(paths); paths->IsValid(); paths++) {
-    Tessel::Index index;
-    paths->GetIndex(index);
-    Tessel::ContainerT<const IPath> path;
-    config->GetPath(path, index);
-    if (HierName(*path, '!') != "X1!XL") continue;
-    Tessel::ContainerT<const Tessel::IBlock> block;
-    path->GetBlock(block);
-    found = NameOf(*block);
-  }
-  EXPECT_EQ(found, "LEAF");
 }
 
 // ---- Component occurrences
@@ -185,53 +145,31 @@ TEST_F(DatabaseTest, AConfigListsComponentOccurrencesWithTheInsideOfAnInstanceRi
   Config(Block("TOP"))->GetIterComps(comps);
   EXPECT_EQ(Occurrences(comps), (Strings{"R1@", "X1@", "RM@X1", "XL@X1", "RL@X1\\XL", "RM2@X1", "R2@", "X2@",
                                          "RL@X2", "XP@", "XN@", "X3@", "RL@X3", "Z0@"}));
-}
-
-TEST_F(DatabaseTest, TheComponentsOfAPathKnowThatPath) {
-  Open(kTree);
+  // Occurrences of one component share its instance index.
+  std::vector<Tessel::Index> indexes;
+  for (; comps->IsValid(); comps++) {
+    if (NameOf(*comps.operator->()) != "RL") continue;
+    indexes.emplace_back();
+    comps->GetInstanceIndex(indexes.back());
+  }
+  ASSERT_EQ(indexes.size(), 3u);
+  EXPECT_TRUE(Same(indexes[0], indexes[1]) && Same(indexes[1], indexes[2]));
+  // The components of one path know that path.
   IteratorT<const IPath> paths;
   Config(Block("TOP"))->GetIterPaths(paths);
   paths++;
-  IteratorT<const IComp> comps;
   paths->GetIterComps(comps);
   EXPECT_EQ(Occurrences(comps), (Strings{"RM@X1", "XL@X1", "RM2@X1"}));
-}
-
-TEST_F(DatabaseTest, AComponentReachedThroughItsBlockHasNoPath) {
-  Open(kTree);
-  IteratorT<const IComp> comps;
+  // A component reached through its block has no path.
   Block("MID")->GetIterComps(comps, Tessel::eCompAll);
   Tessel::ContainerT<const IPath> path;
   comps->GetPath(path);
   EXPECT_FALSE(Usable(path));
-  if (!path.Empty()) {
-    EXPECT_EQ(HierName(*path, '\\'), "");
-  }
-}
-
-TEST_F(DatabaseTest, OccurrencesOfOneComponentShareItsInstanceIndexAndDifferInPath) {
-  Open(kTree);
-  IteratorT<const IComp> comps;
-  Config(Block("TOP"))->GetIterComps(comps);
-  std::vector<Tessel::Index> indexes;
-  std::set<std::string> paths;
-  for (; comps->IsValid(); comps++) {
-    if (NameOf(*comps.operator->()) != "RL") continue;
-    Tessel::Index index;
-    comps->GetInstanceIndex(index);
-    indexes.push_back(index);
-    Tessel::ContainerT<const IPath> path;
-    comps->GetPath(path);
-    paths.insert(HierName(*path, '\\'));
-  }
-  ASSERT_EQ(indexes.size(), 3u);
-  EXPECT_TRUE(Same(indexes[0], indexes[1]) && Same(indexes[1], indexes[2]));
-  EXPECT_EQ(paths.size(), 3u);
 }
 
 // ---- Filter
 
-TEST_F(DatabaseTest, FilterTwoKeepsOnlyComponentsWithTypeBitTwo) {
+TEST_F(DatabaseTest, FilterTwoKeepsOnlyComponentsWithTypeBitTwoAndAnyComponentMayNameAChild) {
   Open(kTree);
   BlockHandle top = Block("TOP");
   IteratorT<const IComp> comps;
@@ -239,18 +177,6 @@ TEST_F(DatabaseTest, FilterTwoKeepsOnlyComponentsWithTypeBitTwo) {
   EXPECT_EQ(Names(comps), (Strings{"X1", "X2", "XN", "X3"}));
   top->GetIterComps(comps, Tessel::eCompAll);
   EXPECT_EQ(Names(comps), (Strings{"R1", "X1", "R2", "X2", "XP", "XN", "X3", "Z0"}));
-}
-
-TEST_F(DatabaseTest, TypeBitsAreStoredAsGiven) {
-  Open(R"({"blocks": [{"name": "TOP", "components": [{"label": "U", "type": 4294967295}]}]})");
-  Tessel::BitContainerT<Tessel::ECompType, 1> type;
-  Comp(Block("TOP"), "U")->GetType(type);
-  EXPECT_EQ(type.Bits(), 4294967295u);
-}
-
-TEST_F(DatabaseTest, AChildBlockIsThereForEveryComponentThatNamesOne) {
-  Open(kTree);
-  BlockHandle top = Block("TOP");
   BlockHandle child;
   Comp(top, "XP")->GetChildBlock(child);
   ASSERT_TRUE(Usable(child));
@@ -258,6 +184,13 @@ TEST_F(DatabaseTest, AChildBlockIsThereForEveryComponentThatNamesOne) {
   Comp(top, "XN")->GetChildBlock(child);
   EXPECT_FALSE(Usable(child));
   EXPECT_FALSE(child.IsValid());  // the handle's own test says so as well
+}
+
+TEST_F(DatabaseTest, TypeBitsAreStoredAsGiven) {
+  Open(R"({"blocks": [{"name": "TOP", "components": [{"label": "U", "type": 4294967295}]}]})");
+  Tessel::BitContainerT<Tessel::ECompType, 1> type;
+  Comp(Block("TOP"), "U")->GetType(type);
+  EXPECT_EQ(type.Bits(), 4294967295u);
 }
 
 // ---- Indexes
@@ -324,7 +257,7 @@ TEST_F(DatabaseTest, AnIndexFromAnotherBlockOrOfAnotherKindFetchesNothing) {
   EXPECT_FALSE(Usable(net));
 }
 
-TEST_F(DatabaseTest, AConfigIndexFetchesTheConfigOfItsBlockOnly) {
+TEST_F(DatabaseTest, AConfigIndexFetchesTheConfigOfItsBlockThroughAFilledManagerOnly) {
   Open(kTree);
   Tessel::Index index;
   Block("MID")->GetDefaultConfigIndex(index);
@@ -333,22 +266,14 @@ TEST_F(DatabaseTest, AConfigIndexFetchesTheConfigOfItsBlockOnly) {
   EXPECT_EQ(PathList(*config, '\\'), (Strings{"MID@", "LEAF@XL"}));
   Tessel::Index bad = index;
   bad.word0 = 77;
-  uid_.GetConfig(config, bad);
-  IteratorT<const IPath> paths;
-  if (!config.Empty()) config->GetIterPaths(paths);
-  EXPECT_FALSE(paths->IsValid());
-}
-
-TEST_F(DatabaseTest, AManagerThatNoSnapshotFilledAnswersNothing) {
-  Open(kTree);
   Tessel::IUIDManager empty;
-  Tessel::Index index;
-  Block("TOP")->GetDefaultConfigIndex(index);
-  Tessel::ContainerT<const IConfig> config;
-  EXPECT_FALSE(empty.GetConfig(config, index));
-  IteratorT<const IPath> paths;
-  if (!config.Empty()) config->GetIterPaths(paths);
-  EXPECT_FALSE(paths->IsValid());
+  for (bool filled : {true, false}) {
+    config = {};
+    EXPECT_FALSE(filled ? uid_.GetConfig(config, bad) : empty.GetConfig(config, index)) << filled;
+    IteratorT<const IPath> paths;
+    if (!config.Empty()) config->GetIterPaths(paths);
+    EXPECT_FALSE(paths->IsValid());
+  }
   Tessel::ContainerT<const Tessel::IGroup> group;
   EXPECT_FALSE(empty.GetGroup(group, index));
   if (!group.Empty()) {
@@ -395,6 +320,15 @@ TEST_F(DatabaseTest, AFinishedIteratorYieldsAnInvalidObjectOfEveryKind) {
   Config(top)->GetIterComps(occurrences);
   while (occurrences) occurrences++;
   EXPECT_FALSE(occurrences->IsValid());
+
+  // A default iterator is finished as well.
+  IteratorT<const IComp> fresh;
+  IteratorT<const Tessel::IBus> buses;
+  EXPECT_FALSE(fresh->IsValid() || IteratorT<const INet>()->IsValid() || IteratorT<const IPin>()->IsValid() ||
+               IteratorT<const IPort>()->IsValid() || IteratorT<const IPath>()->IsValid());
+  EXPECT_FALSE(buses->IsValid() || buses.IsValid());
+  fresh++;
+  EXPECT_FALSE(fresh);
 }
 
 TEST_F(DatabaseTest, AnInvalidObjectAnswersNothing) {
@@ -421,24 +355,6 @@ TEST_F(DatabaseTest, AnInvalidObjectAnswersNothing) {
   Tessel::ListT<Tessel::GroupInfo> groups;
   dead.GetListGroups(groups, Tessel::eGroupInternal);
   EXPECT_TRUE(groups.IsEmpty());
-}
-
-TEST_F(DatabaseTest, ADefaultIteratorIsFinished) {
-  IteratorT<const IComp> comps;
-  IteratorT<const INet> nets;
-  IteratorT<const IPin> pins;
-  IteratorT<const IPort> ports;
-  IteratorT<const IPath> paths;
-  IteratorT<const Tessel::IBus> buses;
-  EXPECT_FALSE(comps->IsValid());
-  EXPECT_FALSE(nets->IsValid());
-  EXPECT_FALSE(pins->IsValid());
-  EXPECT_FALSE(ports->IsValid());
-  EXPECT_FALSE(paths->IsValid());
-  EXPECT_FALSE(buses->IsValid());
-  EXPECT_FALSE(buses.IsValid());
-  comps++;
-  EXPECT_FALSE(comps);
 }
 
 // Walks its own copy to the end.

@@ -1,4 +1,5 @@
-// The flat and hierarchical walks over small designs: blocks, names passed down, levels.
+// The flat and hierarchical walks over a small design: what the walks hand to the deck writers
+// (pin-node tables, instance paths, node tables) beyond what whole decks show.
 #include "tests/design_fixture.h"
 
 namespace {
@@ -77,47 +78,6 @@ TEST_F(DesignFixture, FlatWalkKeysThePinNodeTableByInstanceOccurrence) {
   EXPECT_EQ(x2.substr(x2.size() - 2), "X1");  // "%d%d%d" of the Index, then the path's name
 }
 
-TEST_F(DesignFixture, FlatWalkLeavesOutWhatALevelStops) {
-  Import(kTwoLevels);
-  WireOptions options;
-  options.levels->push_back("SIM");
-  SpiceProject& project = Walk("TOP", options);
-  EXPECT_EQ(RefNames(project.Root()), "RX12 R1 RX31 R0");
-  ASSERT_EQ(project.skippedBlocks->size(), 1u);
-  EXPECT_EQ((*project.skippedBlocks)[0], "LEAF");
-}
-
-TEST_F(DesignFixture, LevelsMatchExactly) {
-  Import(kTwoLevels);
-  WireOptions options;
-  options.levels->push_back("sim");
-  EXPECT_EQ(RefNames(Walk("TOP", options).Root()), "RX12 CX1X21 RX1X23 R1 RX31 R0");
-}
-
-TEST_F(DesignFixture, HierarchicalWalkDefinesEachBlockOnceChildrenFirst) {
-  Import(kTwoLevels);
-  SpiceProject& project = Walk("TOP", Hierarchical());
-  SpiceBlock& root = project.Root();
-  EXPECT_EQ(RefNames(root), "X1 R1 X3");
-  EXPECT_EQ(root.comps[0].Kind(), 2);
-  EXPECT_EQ(root.comps[0].ChildBlockName(), "MID");
-  EXPECT_EQ(root.comps[2].ChildBlockName(), "OTHER");
-  EXPECT_EQ(Pins(root.comps[0]), "P=IN- Q=2OUT");
-
-  std::vector<SpiceBlock>& blocks = project.SubBlocks();
-  ASSERT_EQ(blocks.size(), 3u);
-  EXPECT_EQ(blocks[0].Name(), "LEAF");
-  EXPECT_EQ(blocks[1].Name(), "MID");
-  EXPECT_EQ(blocks[2].Name(), "OTHER");
-  ASSERT_EQ(blocks[1].ports.size(), 2u);
-  EXPECT_EQ(blocks[1].ports[0].Name(), "P");
-  EXPECT_EQ(blocks[1].ports[1].Name(), "Q");
-  EXPECT_EQ(RefNames(blocks[1]), "R2 X2");
-  EXPECT_EQ(Pins(blocks[0].comps[1]), "A=B B=T.1");
-  // Names are unique within one block, and each block starts over.
-  EXPECT_EQ(RefNames(blocks[2]), "R1 R0");
-}
-
 TEST_F(DesignFixture, HierarchicalWalkGivesEachBlockItsInstancePath) {
   Import(kTwoLevels);
   SpiceProject& project = Walk("TOP", Hierarchical());
@@ -133,19 +93,6 @@ TEST_F(DesignFixture, HierarchicalWalkGivesEachBlockItsInstancePath) {
   EXPECT_EQ(project.currentInstancePath, "");
 }
 
-TEST_F(DesignFixture, HierarchicalWalkStopsAtALevelEvenAtDefinitionLevel) {
-  Import(kTwoLevels);
-  WireOptions options = Hierarchical();
-  options.levels->push_back("SIM");
-  SpiceProject& project = Walk("TOP", options);
-  std::vector<SpiceBlock>& blocks = project.SubBlocks();
-  ASSERT_EQ(blocks.size(), 2u);
-  EXPECT_EQ(blocks[0].Name(), "MID");
-  ASSERT_EQ(blocks[0].comps.size(), 2u);
-  EXPECT_EQ(blocks[0].comps[1].Kind(), 3);
-  EXPECT_EQ(blocks[0].comps[1].RefName(), "");  // no prefix
-}
-
 TEST_F(DesignFixture, HierarchicalNodeTablesStartWithThePorts) {
   Import(kTwoLevels);
   SpiceProject& project = Walk("TOP", Hierarchical());
@@ -158,15 +105,6 @@ TEST_F(DesignFixture, HierarchicalNodeTablesStartWithThePorts) {
   EXPECT_EQ(Nodes(project.Root()), (std::map<std::string, std::string>{{"GND", "0"}}));
   EXPECT_EQ(netDictionary.count("MID/1"), 1u);
   EXPECT_EQ(netDictionary.count("MID/"), 1u);  // M has no node yet
-}
-
-TEST_F(DesignFixture, ACopiedProjectHoldsTheBlocks) {
-  Import(kTwoLevels);
-  SpiceProject& project = Walk("TOP", Hierarchical());
-  SpiceProject copy(project);
-  EXPECT_EQ(copy.SubBlocks().size(), 3u);
-  EXPECT_EQ(RefNames(copy.Root()), "X1 R1 X3");
-  EXPECT_EQ(Pins(copy.SubBlocks()[1].comps[0]), "A=P B=M");
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ class InstanceParametersTest : public ::testing::Test {
     return LoadInstanceParameters(instance, model, line_, internalNames_, current_);
   }
   fs::path root_, old_;
-  std::string line_ = "X1 A B OPAMP ";
+  std::string line_;
   std::string current_;
   std::unordered_map<std::string, std::string> internalNames_{{"x1", "U7"}};
 };
@@ -57,59 +57,41 @@ const char kParamText[] =
     "+ MORE=2\r\n"
     "*end\n";
 
-TEST_F(InstanceParametersTest, NoFileLeavesEverything) {
-  EXPECT_EQ(Load("X1", "OPAMP"), "");
-  EXPECT_EQ(line_, "X1 A B OPAMP ");
-  EXPECT_EQ(current_, "X1");
-}
-
-TEST_F(InstanceParametersTest, ParFileOnlyReplacesModelAndAddsItsLines) {
-  Write("OPAMP.par", "*OPAMP_V2 * old\n.PARAM X=1\n\n+ Y=2\n");
-  EXPECT_EQ(Load("X1", "OPAMP"), ".PARAM X=1\n\n+ Y=2\n");
-  EXPECT_EQ(line_, "X1 A B OPAMP_V2 * old");
-  EXPECT_EQ(current_, "");
-}
-
-TEST_F(InstanceParametersTest, ParFirstLineWithoutStarCountsWhole) {
-  Write("OPAMP.par", "NEWMODEL\r\nlast line without end");
-  EXPECT_EQ(Load("X1", "OPAMP"), "last line without end\n");
-  EXPECT_EQ(line_, "X1 A B NEWMODEL");
-}
-
-TEST_F(InstanceParametersTest, ParamFileOnlyKeepsTheLine) {
-  Write("OPAMP-param.txt", kParamText);
-  EXPECT_EQ(Load("X1", "OPAMP"), "+ GAIN=10\n+ BW=1MEG\n+ MORE=2\n");
-  EXPECT_EQ(line_, "X1 A B OPAMP ");
-  EXPECT_EQ(current_, "");
-}
-
-TEST_F(InstanceParametersTest, BothFilesTakeTheSectionAndTheParModelName) {
-  Write("OPAMP.par", "*OPAMP_V2\n.PARAM X=1\n");
-  Write("OPAMP-param.txt", kParamText);
-  EXPECT_EQ(Load("x1", "OPAMP"), "+ GAIN=10\n+ BW=1MEG\n+ MORE=2\n");
-  EXPECT_EQ(line_, "X1 A B OPAMP_V2");
-}
-
-TEST_F(InstanceParametersTest, BothFilesWithoutMatchingSectionTakeTheParLines) {
-  Write("OPAMP.par", "*OPAMP_V2\n.PARAM X=1\n");
-  Write("OPAMP-param.txt", kParamText);
-  internalNames_["x1"] = "U9";
-  EXPECT_EQ(Load("X1", "OPAMP"), ".PARAM X=1\n");
-  EXPECT_EQ(line_, "X1 A B OPAMP_V2");
-}
-
-TEST_F(InstanceParametersTest, LineWithoutBlankGetsTheModelBehindIt) {
-  Write("OPAMP.par", "*OPAMP_V2\n");
-  line_ = "X1";
-  EXPECT_EQ(Load("X1", "OPAMP"), "");
-  EXPECT_EQ(line_, "X1 OPAMP_V2");
-}
-
-TEST_F(InstanceParametersTest, EmptyParFileHasNoFirstLine) {
-  Write("OPAMP.par", "");
-  EXPECT_EQ(Load("X1", "OPAMP"), "");
-  EXPECT_EQ(line_, "X1 A B OPAMP ");
-  EXPECT_EQ(current_, "");
+TEST_F(InstanceParametersTest, ParAndParamFilesGiveTheLinesAndTheModelName) {
+  struct Case {
+    const char* par;  // the .par file; nullptr: none
+    bool section;     // whether the -param.txt file is there
+    const char* internal;
+    const char* line;
+    const char* lines;  // what follows the instance line
+    const char* lineAfter;
+    const char* current;  // the instance still waiting for its parameters
+  };
+  const Case cases[] = {
+      {nullptr, false, "U7", "X1 A B OPAMP ", "", "X1 A B OPAMP ", "X1"},
+      {"*OPAMP_V2 * old\n.PARAM X=1\n\n+ Y=2\n", false, "U7", "X1 A B OPAMP ", ".PARAM X=1\n\n+ Y=2\n",
+       "X1 A B OPAMP_V2 * old", ""},
+      {"NEWMODEL\r\nlast line without end", false, "U7", "X1 A B OPAMP ", "last line without end\n",
+       "X1 A B NEWMODEL", ""},
+      {nullptr, true, "U7", "X1 A B OPAMP ", "+ GAIN=10\n+ BW=1MEG\n+ MORE=2\n", "X1 A B OPAMP ", ""},
+      // Both files: the section wins over the lines of the .par file, which still names the model.
+      {"*OPAMP_V2\n.PARAM X=1\n", true, "U7", "X1 A B OPAMP ", "+ GAIN=10\n+ BW=1MEG\n+ MORE=2\n",
+       "X1 A B OPAMP_V2", ""},
+      {"*OPAMP_V2\n.PARAM X=1\n", true, "U9", "X1 A B OPAMP ", ".PARAM X=1\n", "X1 A B OPAMP_V2", ""},
+      {"*OPAMP_V2\n", false, "U7", "X1", "", "X1 OPAMP_V2", ""},
+      {"", false, "U7", "X1 A B OPAMP ", "", "X1 A B OPAMP ", ""},  // an empty .par has no first line
+  };
+  for (const Case& c : cases) {
+    fs::remove(root_ / "Sym" / "OPAMP.par");
+    fs::remove(root_ / "Sym" / "OPAMP-param.txt");
+    if (c.par) Write("OPAMP.par", c.par);
+    if (c.section) Write("OPAMP-param.txt", kParamText);
+    internalNames_["x1"] = c.internal;
+    line_ = c.line;
+    EXPECT_EQ(Load("X1", "OPAMP"), c.lines) << c.lineAfter;
+    EXPECT_EQ(line_, c.lineAfter);
+    EXPECT_EQ(current_, c.current) << c.lineAfter;
+  }
 }
 
 TEST(ReadParameterSectionTest, NamesAreLowerCasedFileIsNot) {

@@ -162,19 +162,4 @@ TEST(ProbeText, PspiceBracketsNamedNodes) {
   EXPECT_FALSE(IsAllDigits("1a"));
 }
 
-TEST(WireOptions, DefaultsAndLevels) {
-  WireOptions o;
-  o.flatten = 0;
-  o.firstPrefix = "X";
-  o.levels->push_back("SIM");
-  o.SetDefaults();
-  EXPECT_EQ(o.flatten, 1);
-  EXPECT_EQ(o.firstPrefix, "");
-  EXPECT_EQ(o.printWord, ".PROBE");
-  WireOptions copy = o;
-  EXPECT_TRUE(copy.HasLevel("SIM"));
-  EXPECT_FALSE(copy.HasLevel("sim"));
-  EXPECT_EQ(copy.levels.get(), o.levels.get());
-}
-
 }  // namespace

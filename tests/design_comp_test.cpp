@@ -1,4 +1,5 @@
-// The component view without a database: attribute table, block prefixes, the deck-name rule.
+// The component view without a database: attribute table, block prefixes, and the corners of the
+// deck-name rule that whole decks leave out (blank prefixes, -y on each kind, designators).
 #include <gtest/gtest.h>
 
 #include "design/spice_comp.h"
@@ -48,37 +49,9 @@ class DeckName : public ::testing::Test {
   WireOptions options;
 };
 
-TEST_F(DeckName, PrefixIsAddedUnlessTheLabelBeginsWithIt) {
-  options.flatten = 0;
-  EXPECT_EQ(Name(Comp(1, "R1", {{"PREFIX", "r"}})), "R1");
-  EXPECT_EQ(Name(Comp(1, "C1", {{"PREFIX", "R"}})), "RC1");
-  options.flatten = 1;
-  EXPECT_EQ(Name(Comp(1, "C2", {{"PREFIX", "R"}})), "RC2");  // "R\C2" through the Pspice filter
-  options.wirelistKind = kHspice;
-  EXPECT_EQ(Name(Comp(1, "C3", {{"PREFIX", "R"}})), "RC3");
-  options.useNodeNames = true;
-  EXPECT_EQ(Name(Comp(1, "C4", {{"PREFIX", "R"}})), "RC4");
-}
-
-TEST_F(DeckName, FlatComponentsCarryTheirHierarchicalName) {
-  SpiceComp comp = Comp(1, "R2", {{"PREFIX", "R"}});
-  comp.hierName = "X1\\X2";
-  EXPECT_EQ(Name(comp), "RX1X22");
-  options.flatten = 0;
-  EXPECT_EQ(Name(comp), "R2");
-}
-
 TEST_F(DeckName, PrimitiveWithoutPrefixKeepsItsLabel) {
   EXPECT_EQ(Name(Comp(1, "Q7")), "Q7");
   EXPECT_EQ(Name(Comp(1, "Q8", {{"PREFIX", " "}})), "Q8");  // " \Q8", filtered
-}
-
-TEST_F(DeckName, HierarchicalInstancesTakeXAndStoppedOnesNeedAPrefix) {
-  options.flatten = 0;
-  EXPECT_EQ(Name(Comp(2, "AMP1")), "XAMP1");
-  EXPECT_EQ(Name(Comp(2, "X5")), "X5");
-  EXPECT_EQ(Name(Comp(3, "AMP2")), "");
-  EXPECT_EQ(Name(Comp(3, "AMP3", {{"PREFIX", "U"}})), "UAMP3");
 }
 
 TEST_F(DeckName, FirstPrefixOptionNamesTheAttributeToUse) {
@@ -91,15 +64,6 @@ TEST_F(DeckName, FirstPrefixOptionNamesTheAttributeToUse) {
   EXPECT_EQ(Name(Comp(2, "A4", {{"SPICE_PREFIX", "U"}})), "XA4");
 }
 
-TEST_F(DeckName, KelpoNamesHdlModelsY) {
-  options.flatten = 0;
-  options.wirelistKind = kKelpo;
-  EXPECT_EQ(Name(Comp(1, "ADC1", {{"SIMULATION MODEL", "VerilogA"}})), "YADC1");
-  EXPECT_EQ(Name(Comp(2, "ADC2", {{"SIMMODEL", "vhdl-ams"}})), "YADC2");
-  options.wirelistKind = kPspice;
-  EXPECT_EQ(Name(Comp(2, "ADC3", {{"SIMMODEL", "vhdl-ams"}})), "XADC3");
-}
-
 TEST_F(DeckName, AutomaticLabelsGiveWayToDesignators) {
   options.flatten = 0;
   EXPECT_EQ(Name(Comp(1, "$1I23", {{"PREFIX", "U"}, {"REF DESIGNATOR", "U5"}})), "UU5");
@@ -107,13 +71,6 @@ TEST_F(DeckName, AutomaticLabelsGiveWayToDesignators) {
   EXPECT_EQ(Name(Comp(1, "$1I25", {{"PREFIX", "U"}, {"REFDES", "?A"}})), "UA");
   EXPECT_EQ(Name(Comp(1, "$1I26", {{"PREFIX", "U"}, {"REFDES", "V7"}})), "UV7");
   EXPECT_EQ(Name(Comp(1, "K1", {{"PREFIX", "U"}, {"REFDES", "V8"}})), "UK1");
-}
-
-TEST_F(DeckName, NamesAreMadeUniqueAcrossComponents) {
-  options.flatten = 0;
-  EXPECT_EQ(Name(Comp(1, "R1", {{"PREFIX", "R"}})), "R1");
-  EXPECT_EQ(Name(Comp(1, "R1", {{"PREFIX", "R"}})), "R0");
-  EXPECT_EQ(Name(Comp(1, "1", {{"PREFIX", "R"}})), "R2");
 }
 
 TEST(SpiceCompPins, FindPinFindsTheLastEntryWithTheKey) {

@@ -1,4 +1,5 @@
-// Reading vesk.cfg: locating it, every key form, the NAME pairs and the two unit name sets.
+// Reading vesk.cfg: every key form, the NAME pairs and the two unit name sets. Where the file is
+// looked for and the errors that end a run are pinned by the run-control tests.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -49,46 +50,6 @@ class ConfigFileTest : public ::testing::Test {
   std::string printed_;
   fs::path root_, old_;
 };
-
-TEST_F(ConfigFileTest, ConstructorHoldsTheDefaults) {
-  EXPECT_EQ(gen_.stripChars, "@");
-  EXPECT_EQ(gen_.stripComs, "*");
-  EXPECT_EQ(gen_.elements, "ALL");
-  EXPECT_EQ(gen_.commands, "ALL");
-  EXPECT_EQ(gen_.csdf, 1);
-  EXPECT_EQ(gen_.accuracy, 4);
-  EXPECT_EQ(gen_.continueString, "+");
-  EXPECT_EQ(gen_.breakString, " ");
-  EXPECT_EQ(gen_.quoteOpen, "'");
-  EXPECT_EQ(gen_.uParNames, kUDefaults);
-  EXPECT_EQ(gen_.pParNames, kPDefaults);
-}
-
-TEST_F(ConfigFileTest, DefaultPathComesFromGaltHome) {
-  std::ofstream("galt/standard/vesk.cfg") << "ELEMENTS R\n";
-  ::testing::internal::CaptureStdout();
-  EXPECT_EQ(gen_.ReadConfigFile(), 0);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-  EXPECT_EQ(gen_.configFile, "galt\\standard\\vesk.cfg");
-  EXPECT_EQ(gen_.elements, "R");
-}
-
-TEST_F(ConfigFileTest, MissingFileEndsTheRun) {
-  ::unsetenv("GALT_HOME");
-  ::testing::internal::CaptureStdout();
-  EXPECT_EQ(gen_.ReadConfigFile(), 1);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Error: No Configuration File Found \n");
-  EXPECT_EQ(gen_.configFile, "%GALT_HOME%\\standard\\vesk.cfg");
-}
-
-TEST_F(ConfigFileTest, PathFromSwitchIsUsedAsItStands) {
-  std::ofstream("galt/standard/vesk.cfg") << "ELEMENTS R\n";
-  gen_.configFile = "other.cfg";
-  ::testing::internal::CaptureStdout();
-  EXPECT_EQ(gen_.ReadConfigFile(), 1);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Error: No Configuration File Found \n");
-  EXPECT_EQ(gen_.configFile, "other.cfg");
-}
 
 TEST_F(ConfigFileTest, CommentsOnlyKeepTheDefaults) {
   EXPECT_EQ(Read("| a comment\n|STRIP_CHARS #\n\n"), 0);
@@ -178,13 +139,6 @@ TEST_F(ConfigFileTest, PresentEmptyListLeavesItsSetEmpty) {
   EXPECT_EQ(Read("UPARNAMS\nPPARNAMS m\tl\n"), 0);
   EXPECT_TRUE(gen_.uParNames.empty());
   EXPECT_EQ(gen_.pParNames, (Names{"m", "l"}));
-}
-
-TEST_F(ConfigFileTest, NameInBothListsIsAnError) {
-  EXPECT_EQ(Read("UPARNAMS L W AS\nPPARNAMS W L\n"), 1);
-  EXPECT_EQ(printed_,
-            "Error: The same attribute is listed in both UPARNAMS and PPARNAMS keys in configuration file:\n"
-            "L\nW\n");
 }
 
 TEST_F(ConfigFileTest, DefaultsDoNotConflictWithAGivenList) {

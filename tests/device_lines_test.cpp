@@ -47,54 +47,35 @@ class DeviceLines : public ::testing::Test {
 // ---- QuoteValue ----
 
 TEST_F(DeviceLines, QuoteValueMarksExpressionsPerDialect) {
-  EXPECT_EQ(Quoted("VT=VTH0"), "VT={VTH0}");
-  EXPECT_EQ(config.quoteOpen, "{");
-  EXPECT_EQ(Quoted("K=2*3"), "K={2*3}");
-  UseHspice();
-  EXPECT_EQ(Quoted("VT=VTH0"), "VT='VTH0'");
-  options.wirelistKind = kKelpo;
-  EXPECT_EQ(Quoted("VT=VTH0"), "VT='VTH0'");
-}
-
-TEST_F(DeviceLines, QuoteValueLeavesNumbersAndSpecialWords) {
-  EXPECT_EQ(Quoted("W=10U"), "W=10U");
-  EXPECT_EQ(Quoted("W=1E-5"), "W=1E-5");
-  EXPECT_EQ(Quoted("W="), "W=");
-  EXPECT_EQ(Quoted("NCH"), "NCH");
-  EXPECT_EQ(Quoted("$.MODEL=ABC"), "$.MODEL=ABC");
-  EXPECT_EQ(Quoted("IS=XYZ"), "IS=XYZ");
-  EXPECT_EQ(Quoted("MODEL=NCH"), "MODEL=NCH");
-  EXPECT_EQ(Quoted("model=nch"), "model=nch");
-  EXPECT_EQ(Quoted("MODELX=nch"), "MODELX=nch");
-  EXPECT_EQ(Quoted("{A}=B"), "{A}=B");
-  EXPECT_EQ(Quoted("Model=nch"), "Model={nch}");
-}
-
-TEST_F(DeviceLines, QuoteValueCompletesHalfQuotedValues) {
-  EXPECT_EQ(Quoted("A={X}"), "A={X}");
-  EXPECT_EQ(Quoted("A={X"), "A={X}");
-  EXPECT_EQ(Quoted("A=X}"), "A={X}");
-  UseHspice();
-  EXPECT_EQ(Quoted("A='X'"), "A='X'");
-  EXPECT_EQ(Quoted("A='X"), "A='X'");
-  EXPECT_EQ(Quoted("A=X'"), "A='X'");
-  EXPECT_EQ(Quoted("A={X}"), "A='{X}'");
-}
-
-TEST_F(DeviceLines, QuoteValueKeepsBracesInKelpoDecks) {
-  options.wirelistKind = kKelpo;
-  EXPECT_EQ(Quoted("A={X}"), "A={X}");
-  EXPECT_EQ(Quoted("A={X"), "A={X}");
-  EXPECT_EQ(Quoted("A=X}"), "A={X}");
-  EXPECT_EQ(Quoted("A='X"), "A='X'");
-}
-
-TEST_F(DeviceLines, QuoteValueDoesNothingForBerkeleyOrNoQuotes) {
-  options.wirelistKind = kBerkeley;
-  EXPECT_EQ(Quoted("VT=VTH0"), "VT=VTH0");
-  options.wirelistKind = kHspice;
-  config.noQuotes = 1;
-  EXPECT_EQ(Quoted("VT=VTH0"), "VT=VTH0");
+  struct Case {
+    int32_t kind;
+    bool noQuotes;
+    const char* word;
+    const char* quoted;
+  };
+  const Case cases[] = {
+      {kPspice, false, "VT=VTH0", "VT={VTH0}"}, {kPspice, false, "K=2*3", "K={2*3}"},
+      {kHspice, false, "VT=VTH0", "VT='VTH0'"}, {kKelpo, false, "VT=VTH0", "VT='VTH0'"},
+      // Numbers and special words stay.
+      {kPspice, false, "W=10U", "W=10U"}, {kPspice, false, "W=1E-5", "W=1E-5"}, {kPspice, false, "W=", "W="},
+      {kPspice, false, "NCH", "NCH"}, {kPspice, false, "$.MODEL=ABC", "$.MODEL=ABC"},
+      {kPspice, false, "IS=XYZ", "IS=XYZ"}, {kPspice, false, "MODEL=NCH", "MODEL=NCH"},
+      {kPspice, false, "model=nch", "model=nch"}, {kPspice, false, "MODELX=nch", "MODELX=nch"},
+      {kPspice, false, "{A}=B", "{A}=B"}, {kPspice, false, "Model=nch", "Model={nch}"},
+      // Half-quoted values are completed; HSPICE quotes braces, Kelpo keeps them.
+      {kPspice, false, "A={X}", "A={X}"}, {kPspice, false, "A={X", "A={X}"}, {kPspice, false, "A=X}", "A={X}"},
+      {kHspice, false, "A='X'", "A='X'"}, {kHspice, false, "A='X", "A='X'"}, {kHspice, false, "A=X'", "A='X'"},
+      {kHspice, false, "A={X}", "A='{X}'"}, {kKelpo, false, "A={X}", "A={X}"}, {kKelpo, false, "A={X", "A={X}"},
+      {kKelpo, false, "A=X}", "A={X}"}, {kKelpo, false, "A='X", "A='X'"},
+      // Berkeley and the no-quotes setting leave every word.
+      {kBerkeley, false, "VT=VTH0", "VT=VTH0"}, {kHspice, true, "VT=VTH0", "VT=VTH0"},
+  };
+  for (const Case& c : cases) {
+    options.wirelistKind = c.kind;
+    config.noQuotes = c.noQuotes;
+    config.quoteOpen = config.quoteClose = c.kind == kPspice ? "" : "'";
+    EXPECT_EQ(Quoted(c.word), c.quoted) << c.kind << " " << c.word;
+  }
 }
 
 // ---- DraculaWord, IsPlainArithmetic ----
@@ -155,34 +136,22 @@ TEST_F(DeviceLines, StripUnitsTakesUnitsOff) {
   EXPECT_EQ(Card("M1 D G S B NCH L=1U W=2u"), "M1 D G S B NCH L=1 W=2u");
 }
 
-TEST_F(DeviceLines, GeometryFormulaIsAddedBehindTheParameters) {
+TEST_F(DeviceLines, GeometryFormulasAreAddedOrReplaceTheirWords) {
+  config.asName = config.adName = "L*W";
+  // Without CALC_AREA the words stay and nothing is added.
+  EXPECT_EQ(Card("M1 D G S B NCH L=1 W=2 AS=5"), "M1 D G S B NCH L=1U W=2U AS=5");
   config.calcArea = 1;
+  config.adName = "";
   config.asName = "2*W";
   EXPECT_EQ(Card("M1 D G S B NCH L=1 W=10"), "M1 D G S B NCH L=1U W=10U AS={2*10}");
-}
-
-TEST_F(DeviceLines, CardWithoutParametersGetsFormulasWithEmptySizes) {
-  config.calcArea = 1;
   config.asName = "L*W";
   config.nrdName = "0.5";
-  EXPECT_EQ(Card("M1 D G S B NCH"), "M1 D G S B NCH AS={*} NRD=0.5");
-}
-
-TEST_F(DeviceLines, CalcAreaZeroKeepsGeometryWordsAndAddsNone) {
-  config.asName = config.adName = "L*W";
-  EXPECT_EQ(Card("M1 D G S B NCH L=1 W=2 AS=5"), "M1 D G S B NCH L=1U W=2U AS=5");
-}
-
-TEST_F(DeviceLines, GeometryWordWithoutFormulaStays) {
-  config.calcArea = 1;
-  EXPECT_EQ(Card("M1 D G S B NCH L=1 W=2 AS=5 nrs=3"), "M1 D G S B NCH L=1U W=2U AS=5 nrs=3");
-}
-
-TEST_F(DeviceLines, GeometryWordIsReplacedByItsFormula) {
-  config.calcArea = 1;
-  config.asName = "L*W";
+  EXPECT_EQ(Card("M1 D G S B NCH"), "M1 D G S B NCH AS={*} NRD=0.5");  // empty sizes
+  config.nrdName = "";
   config.pdName = "2*(L+W)";
   EXPECT_EQ(Card("M1 D G S B NCH L=1 W=2 as=5"), "M1 D G S B NCH L=1U W=2U as={1*2} PD={2*(1+2)}");
+  config.asName = config.pdName = "";
+  EXPECT_EQ(Card("M1 D G S B NCH L=1 W=2 AS=5 nrs=3"), "M1 D G S B NCH L=1U W=2U AS=5 nrs=3");  // no formula
 }
 
 TEST_F(DeviceLines, ContinuationLineSeesTheSizesOfItsStatement) {

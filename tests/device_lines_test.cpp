@@ -146,6 +146,7 @@ TEST_F(DeviceLines, GeometryFormulasAreAddedOrReplaceTheirWords) {
   EXPECT_EQ(Card("M1 D G S B NCH L=1 W=10"), "M1 D G S B NCH L=1U W=10U AS={2*10}");
   config.asName = "L*W";
   config.nrdName = "0.5";
+  widthAndLength.clear();
   EXPECT_EQ(Card("M1 D G S B NCH"), "M1 D G S B NCH AS={*} NRD=0.5");  // empty sizes
   config.nrdName = "";
   config.pdName = "2*(L+W)";

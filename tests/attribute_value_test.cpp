@@ -20,36 +20,18 @@ class AttributeValueTest : public ::testing::Test {
   SpiceComp comp_;
 };
 
-TEST_F(AttributeValueTest, NumbersComeOutInEngineeringNotation) {
-  EXPECT_EQ(Value("VALUE", "1000"), "1000.000000");
-  EXPECT_EQ(Value("VALUE", "1000.5"), "1.000500K");
-  EXPECT_EQ(Value("VALUE", "1"), "1.000000");
-  EXPECT_EQ(Value("VALUE", "0.5"), "500.000000M");
-  EXPECT_EQ(Value("VALUE", ".5"), "500.000000M");
-  EXPECT_EQ(Value("VALUE", "1U"), "1000.000000N");
-  EXPECT_EQ(Value("VALUE", "0"), "0.000000F");
-  EXPECT_EQ(Value("VALUE", "-5"), "-5000000000000000.000000F");
-  EXPECT_EQ(Value("VALUE", "10K"), "10.000000K");
-  EXPECT_EQ(Value("VALUE", "2MEG"), "2.000000MEG");
-  EXPECT_EQ(Value("VALUE", "2*1K"), "2.000000K");
-  EXPECT_EQ(Value("VALUE", "1K*2"), "1K*2");  // a suffix works only in the last operand
-}
-
-TEST_F(AttributeValueTest, TextThatIsNoNumberStays) {
-  EXPECT_EQ(Value("VALUE", "ABC"), "ABC");
-  EXPECT_EQ(Value("VALUE", "1K + 2"), "1K + 2");
-  EXPECT_EQ(Value("VALUE", "(1+2)"), "(1+2)");  // only a number-like start is evaluated
-  EXPECT_EQ(Value("VALUE", "1E3"), "1E3");
-  EXPECT_EQ(Value("VALUE", ""), "");
-  EXPECT_EQ(Value("VALUE", " "), " ");
-  EXPECT_EQ(Value("MODEL", "NMOS"), "NMOS");
-}
-
-TEST_F(AttributeValueTest, UnitLetterOfTheParameter) {
-  EXPECT_EQ(Value("L", "10"), "10.000000U");
-  EXPECT_EQ(Value("W", "2U"), "2.000000U");
-  EXPECT_EQ(Value("AS", "3"), "3.000000P");
-  EXPECT_EQ(Value("R", "10"), "10.000000");
+TEST_F(AttributeValueTest, NumbersComeOutInEngineeringNotationWithTheUnitOfTheParameter) {
+  const char* const cases[][3] = {
+      {"VALUE", "1000", "1000.000000"}, {"VALUE", "1000.5", "1.000500K"}, {"VALUE", "1", "1.000000"},
+      {"VALUE", "0.5", "500.000000M"}, {"VALUE", ".5", "500.000000M"}, {"VALUE", "1U", "1000.000000N"},
+      {"VALUE", "0", "0.000000F"}, {"VALUE", "-5", "-5000000000000000.000000F"},
+      {"VALUE", "10K", "10.000000K"}, {"VALUE", "2MEG", "2.000000MEG"}, {"VALUE", "2*1K", "2.000000K"},
+      {"VALUE", "1K*2", "1K*2"},  // a suffix works only in the last operand
+      // Text that is no number stays; only a number-like start is evaluated.
+      {"VALUE", "ABC", "ABC"}, {"VALUE", "1K + 2", "1K + 2"}, {"VALUE", "(1+2)", "(1+2)"},
+      {"VALUE", "1E3", "1E3"}, {"VALUE", "", ""}, {"VALUE", " ", " "}, {"MODEL", "NMOS", "NMOS"},
+      {"L", "10", "10.000000U"}, {"W", "2U", "2.000000U"}, {"AS", "3", "3.000000P"}, {"R", "10", "10.000000"}};
+  for (const auto& [param, value, expected] : cases) EXPECT_EQ(Value(param, value), expected) << param << value;
   gen_.stripUnits = true;
   EXPECT_EQ(Value("L", "10U"), "10.000000");
 }

@@ -35,19 +35,6 @@ uint64_t BitsOf(double value) {
   return bits;
 }
 
-TEST(OperatorTableTest, HasThirtyTwoRowsWithScannerSetInRowZero) {
-  EXPECT_STREQ(OperatorTable[0].text, "FPNUMILKEGT<>=*/%+-^&|\\!");
-  EXPECT_EQ(OperatorTable[0].precedence, -1);
-  EXPECT_EQ(OperatorTable[0].operands, -1);
-  EXPECT_STREQ(OperatorTable[5].text, "MIL");
-  EXPECT_STREQ(OperatorTable[13].text, "\\");
-  EXPECT_STREQ(OperatorTable[25].text, "!&");
-  EXPECT_EQ(OperatorTable[25].precedence, 15);
-  EXPECT_STREQ(OperatorTable[31].text, "<=");
-  for (int row = 1; row <= 10; ++row) EXPECT_EQ(OperatorTable[row].operands, 1) << row;
-  for (int row = 11; row <= 31; ++row) EXPECT_EQ(OperatorTable[row].operands, 2) << row;
-}
-
 TEST(FindOperatorTokenTest, WholeRunMustBeOneToken) {
   EXPECT_EQ(FindOperatorToken("MEG"), 8);
   EXPECT_EQ(FindOperatorToken("M3"), 6);

@@ -42,73 +42,68 @@ std::string OddLines(const char* const (&nodes)[7]) {
   return lines;
 }
 
-TEST(LegalNameDeckTest, PspiceKeepsLettersDigitsAndUnderscores) {
-  // A.B and A/B become one node; the entry of $1N23 is an internal name's and stays out.
-  VeskRun run = RunVesk(kOddNets, "-n TOP");
-  EXPECT_EQ(run.deck, Head("-n TOP") + OddLines({"AB", "1A", "AB", "A", "1N23", "IN", "OUT"}) +
-                          "* Dictionary 6\n"
-                          "* OUT-=OUT\n"
-                          "* IN+=IN\n"
-                          "* /A=A\n"
-                          "* A/B=AB\n"
-                          "* GND=0\n"
-                          "* A.B = AB\n"
-                          "\n"
-                          "*.END\n");
-}
-
-TEST(LegalNameDeckTest, HspiceKeepsPunctuationAndPutsNAheadOfADigit) {
-  VeskRun run = RunVesk(kOddNets, "-m -n TOP");
-  EXPECT_EQ(run.deck, Head("-m -n TOP") + OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "IN+", "OUT-"}) +
-                          "* Dictionary 2\n"
-                          "* 1A=N1A\n"
-                          "* GND = 0\n"
-                          "\n"
-                          ".OPTIONS INGOLD=2 CSDF=2\n"
-                          "*.END\n");
-}
-
-TEST(LegalNameDeckTest, BerkeleyWithNodeNamesFollowsTheHspiceRule) {
-  VeskRun run = RunVesk(kOddNets, "-s -n TOP");
-  EXPECT_EQ(run.deck, Head("-s -n TOP") + OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "IN+", "OUT-"}) +
-                          "* Dictionary 2\n"
-                          "* 1A=N1A\n"
-                          "* GND = 0\n"
-                          "\n"
-                          "*.END\n");
-}
-
-TEST(LegalNameDeckTest, AnalogDependenciesSpellPlusAndMinus) {
-  VeskRun run = RunVesk(kOddNets, "-9 -n TOP");
-  EXPECT_EQ(run.deck, Head("-9 -n TOP") + OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "INP", "OUTN"}) +
-                          "* Dictionary 4\n"
-                          "* OUT-=OUTN\n"
-                          "* IN+=INP\n"
-                          "* 1A=N1A\n"
-                          "* GND = 0\n"
-                          "\n"
-                          "*.END\n");
-}
-
-TEST(LegalNameDeckTest, DraculaTakesAnyFirstCharacterAndKeepsMinus) {
-  // The root becomes the only definition, its dictionary a cross reference; the deck has no end mark.
-  VeskRun run = RunVesk(kOddNets, "-e TOP");
-  EXPECT_EQ(run.deck, Head("-e TOP") +
-                          "\n"
-                          "*Definition For Project TOP\n"
-                          ".SUBCKT TOP\n" +
-                          OddLines({"AB", "N1A", "AB", "N/A", "N1N23", "IN", "OUT-"}) +
-                          "* CROSS-REFERENCE 6\n"
-                          "* IN+=IN\n"
-                          "* /A=N/A\n"
-                          "* A/B=AB\n"
-                          "* 1A=N1A\n"
-                          "* GND=0\n"
-                          "* A.B=AB\n"
-                          ".ENDS\n"
-                          "\n"
-                          "* Dictionary 0\n"
-                          "\n");
+// Each dialect's rule for the characters of a node name, on the seven odd nets.
+TEST(LegalNameDeckTest, EachDialectKeepsItsOwnCharacters) {
+  const std::pair<const char*, std::string> cases[] = {
+      // Pspice keeps letters, digits and underscores: A.B and A/B become one node; the entry of
+      // $1N23 is an internal name's and stays out.
+      {"-n TOP",
+       OddLines({"AB", "1A", "AB", "A", "1N23", "IN", "OUT"}) +
+       "* Dictionary 6\n"
+       "* OUT-=OUT\n"
+       "* IN+=IN\n"
+       "* /A=A\n"
+       "* A/B=AB\n"
+       "* GND=0\n"
+       "* A.B = AB\n"
+       "\n"
+       "*.END\n"},
+      // HSPICE keeps punctuation and puts N ahead of a digit; Berkeley with node names does the same.
+      {"-m -n TOP",
+       OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "IN+", "OUT-"}) +
+       "* Dictionary 2\n"
+       "* 1A=N1A\n"
+       "* GND = 0\n"
+       "\n"
+       ".OPTIONS INGOLD=2 CSDF=2\n"
+       "*.END\n"},
+      {"-s -n TOP",
+       OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "IN+", "OUT-"}) +
+       "* Dictionary 2\n"
+       "* 1A=N1A\n"
+       "* GND = 0\n"
+       "\n"
+       "*.END\n"},
+      // Analog dependencies spell plus and minus.
+      {"-9 -n TOP",
+       OddLines({"A.B", "N1A", "A/B", "/A", "N1N23", "INP", "OUTN"}) +
+       "* Dictionary 4\n"
+       "* OUT-=OUTN\n"
+       "* IN+=INP\n"
+       "* 1A=N1A\n"
+       "* GND = 0\n"
+       "\n"
+       "*.END\n"},
+      // Dracula takes any first character and keeps minus. The root becomes the only definition, its
+      // dictionary a cross reference; the deck has no end mark.
+      {"-e TOP",
+       "\n"
+       "*Definition For Project TOP\n"
+       ".SUBCKT TOP\n" +
+       OddLines({"AB", "N1A", "AB", "N/A", "N1N23", "IN", "OUT-"}) +
+       "* CROSS-REFERENCE 6\n"
+       "* IN+=IN\n"
+       "* /A=N/A\n"
+       "* A/B=AB\n"
+       "* 1A=N1A\n"
+       "* GND=0\n"
+       "* A.B=AB\n"
+       ".ENDS\n"
+       "\n"
+       "* Dictionary 0\n"
+       "\n"},
+  };
+  for (const auto& [args, body] : cases) EXPECT_EQ(RunVesk(kOddNets, args).deck, Head(args) + body) << args;
 }
 
 TEST(LegalNameDeckTest, VerboseDictionaryShowsInternalNames) {

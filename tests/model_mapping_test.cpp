@@ -275,7 +275,9 @@ TEST_F(ModelMappingTest, FindElementByAttributeSkipsTextNodesAndIgnoresCase) {
   xmlNodePtr first = xmlDocGetRootElement(doc)->children;
   xmlNodePtr found = FindElementByAttribute(first, "Name", "a");
   ASSERT_NE(found, nullptr);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(xmlGetProp(found, BAD_CAST "Id"))), "1");
+  xmlChar* id = xmlGetProp(found, BAD_CAST "Id");
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(id)), "1");
+  xmlFree(id);
   xmlNodePtr missing = FindElementByAttribute(first, "Name", "");
   ASSERT_NE(missing, nullptr);
   EXPECT_EQ(missing->next, nullptr);

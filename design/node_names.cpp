@@ -184,22 +184,17 @@ FlatScope FlatScopeOf(const Tessel::IComp& comp) {
   return scope;
 }
 
-std::string FlatNetNameIn(const FlatScope& scope, const Tessel::IteratorT<const Tessel::INet>& net,
-                          const Tessel::IteratorT<const Tessel::IBus>& bus, const PinNodeTable& table) {
-  Tessel::String label;
-  if (bus->IsValid())
-    bus->GetLabel(label);
-  else
-    net->GetLabel(label);
-  if (scope.hier.empty()) return label.str();
+std::string FlatNetNameOf(const FlatScope& scope, const std::string& label,
+                          const Tessel::IteratorT<const Tessel::INet>& net, const PinNodeTable& table) {
+  if (scope.hier.empty()) return label;
   if (scope.hasParent) {
     auto entry = table.find(scope.parentKey);
     if (entry != table.end()) {
       // A plain text search for "label," in "pin,node;pin,node;".
       const std::string& pins = entry->second;
-      size_t at = pins.find(label.str() + ",");
+      size_t at = pins.find(label + ",");
       if (at != std::string::npos) {
-        size_t begin = at + label.str().size() + 1;
+        size_t begin = at + label.size() + 1;
         size_t end = pins.find(';', begin);
         return pins.substr(begin, end == std::string::npos ? std::string::npos : end - begin);
       }
@@ -207,8 +202,18 @@ std::string FlatNetNameIn(const FlatScope& scope, const Tessel::IteratorT<const 
   }
   bool global = false;
   net->IsGlobal(global);
-  if (global) return label.str();
-  return scope.hier + "\\" + label.str();
+  if (global) return label;
+  return scope.hier + "\\" + label;
+}
+
+std::string FlatNetNameIn(const FlatScope& scope, const Tessel::IteratorT<const Tessel::INet>& net,
+                          const Tessel::IteratorT<const Tessel::IBus>& bus, const PinNodeTable& table) {
+  Tessel::String label;
+  if (bus->IsValid())
+    bus->GetLabel(label);
+  else
+    net->GetLabel(label);
+  return FlatNetNameOf(scope, label.str(), net, table);
 }
 
 std::string FlatNetName(const Tessel::IComp& comp, const Tessel::IteratorT<const Tessel::INet>& net,

@@ -52,3 +52,6 @@ FlatScope FlatScopeOf(const Tessel::IComp& comp);
 /// FlatNetName with the component's scope already read.
 std::string FlatNetNameIn(const FlatScope& scope, const Tessel::IteratorT<const Tessel::INet>& net,
                           const Tessel::IteratorT<const Tessel::IBus>& bus, const PinNodeTable& table);
+/// The same with the pin's label (its bus's, else its net's) already read.
+std::string FlatNetNameOf(const FlatScope& scope, const std::string& label,
+                          const Tessel::IteratorT<const Tessel::INet>& net, const PinNodeTable& table);

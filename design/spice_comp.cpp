@@ -402,18 +402,16 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
     Tessel::IteratorT<const Tessel::IBus> buses;
     pins->GetIterNetsConnected(nets);
     pins->GetIterBusesConnected(buses);
-    // The entry's own net name would be replaced at once: only label and flag are kept.
-    if (!buses.IsValid()) {
-      Tessel::String netLabel;
-      nets->GetLabel(netLabel);
-      entry.label = std::move(netLabel.str());
+    // The entry keeps the net's label and flag; its name is the flat name of the pin's label.
+    Tessel::String label;
+    if (buses->IsValid()) {
+      buses->GetLabel(label);
+    } else {
+      nets->GetLabel(label);
+      entry.label = label.str();
       nets->IsGlobal(entry.isGlobal);
     }
-    // A net of the top block is named by its label, read just above.
-    if (scope.hier.empty() && !buses.IsValid() && !buses->IsValid())
-      entry.name = entry.label;
-    else
-      entry.name = FlatNetNameIn(scope, nets, buses, pinNodes);
+    entry.name = FlatNetNameOf(scope, label.str(), nets, pinNodes);
     AddPin(std::move(pinName.str()), std::move(entry));
   }
 }

@@ -16,7 +16,7 @@ void CSpiceGen::WriteDictionary(int flag) {
   out << (flag == 0 ? "* Dictionary " : "* CROSS-REFERENCE ") << std::to_string(dictionaryLines.Size())
       << "\n";
   bool groundNamed = false;
-  dictionaryLines.ForEachViewNewestFirst([&](std::string_view entry) {
+  dictionaryLines.ForEachNewestFirst([&](std::string_view entry) {
     out << entry << "\n";
     if (entry.find("GND") != std::string::npos) groundNamed = true;
   });

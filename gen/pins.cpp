@@ -5,11 +5,11 @@
 
 namespace {
 
-std::string TrimmedWhite(const std::string& text) {
+// Takes white space off both ends in place; a text without any is left untouched.
+void TrimWhite(std::string& text) {
   const char* white = " \t\r\n\f\v";
-  size_t first = text.find_first_not_of(white);
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(white) - first + 1);
+  text.erase(text.find_last_not_of(white) + 1);
+  text.erase(0, text.find_first_not_of(white));
 }
 
 bool HoldsInnerBlank(const std::string& text) {
@@ -61,9 +61,7 @@ void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
 
 void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet* entry) {
   std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net);
-  if (!node.empty() && (std::isspace(static_cast<unsigned char>(node.front())) ||
-                        std::isspace(static_cast<unsigned char>(node.back()))))
-    node = TrimmedWhite(node);
+  TrimWhite(node);
   if (group && entry && entry->busBit && entry->firstBit) {
     out << " ( " << node;
   } else if (group && entry && entry->busBit && entry->lastBit) {

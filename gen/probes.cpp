@@ -136,7 +136,8 @@ void CSpiceGen::NoteAnalysis(const std::string& key) { analysisKeywords.Add(key)
 
 void CSpiceGen::WriteFlatProbes() {
   if (hdlSpiceSources || ignorePrints) return;
-  analysisKeywords.ForEachNewestFirst([&](const std::string& keyword) {
+  analysisKeywords.ForEachNewestFirst([&](std::string_view view) {
+    const std::string keyword(view);
     if (analogDeps || (wirelistKind == kPspice && printWord == ".PROBE")) out << ".PROBE/CSDF\n";
     if (flatProbes.empty() && probeAll) AddAllNodeProbes(nodes);
     if (attWirelist) return;

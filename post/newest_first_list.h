@@ -25,14 +25,10 @@ class NewestFirstList {
     items_.clear();
     index_.Clear();
   }
-  /// Calls f(text) from the newest entry to the oldest.
+  /// Calls f(text) from the newest entry to the oldest, with views of the texts: a long list
+  /// is read without copies.
   template <class F>
   void ForEachNewestFirst(F f) const {
-    for (auto it = items_.rbegin(); it != items_.rend(); ++it) f(std::string(*it));
-  }
-  /// The same with views of the texts, for long lists where copies would cost.
-  template <class F>
-  void ForEachViewNewestFirst(F f) const {
     for (auto it = items_.rbegin(); it != items_.rend(); ++it) f(*it);
   }
 

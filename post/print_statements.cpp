@@ -195,8 +195,9 @@ void ScopeStatements(const ProbeScope& scope, const std::string& prefix, const P
 void ItemStatements(const ProbePassState& state, const PrintSettings& settings, std::string& text) {
   std::string local;
   if (settings.analogDeps && !IsPrint(settings)) local += ".PROBE/CSDF\n";
-  state.probeItems.ForEachNewestFirst([&](const std::string& item) {
-    if (item.empty()) return;
+  state.probeItems.ForEachNewestFirst([&](std::string_view view) {
+    if (view.empty()) return;
+    const std::string item(view);
     if (IsPrint(settings)) {
       if (state.hasAcAnalysis) local += settings.printWord + " AC " + item + "\n";
       if (state.hasDcAnalysis) local += settings.printWord + " DC " + item + "\n";

@@ -147,8 +147,8 @@ void NoteSubckt(ProbePassState& state, const std::string& path) {
 void NoteProbeItem(ProbePassState& state, const std::string& text) { state.probeItems.Add(text); }
 
 void ReportDuplicates(ProbePassState& state, std::ostream& console) {
-  state.duplicateSubckts.ForEachNewestFirst([&](const std::string& m) { console << m << "\n"; });
-  state.duplicateModels.ForEachNewestFirst([&](const std::string& m) { console << m << "\n"; });
+  state.duplicateSubckts.ForEachNewestFirst([&](std::string_view m) { console << m << "\n"; });
+  state.duplicateModels.ForEachNewestFirst([&](std::string_view m) { console << m << "\n"; });
   state.duplicateSubckts.Clear();
   state.duplicateModels.Clear();
 }

@@ -11,8 +11,6 @@ using Tessel::IteratorT;
 
 namespace {
 
-const Result kInvalid = Result::Fail("invalid object");
-
 String Text(const Database* db, uint32_t id) { return String(std::string(db->design().strings.View(id))); }
 
 // Looks `key` up in an attribute list; the value is empty when it is absent.

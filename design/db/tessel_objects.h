@@ -11,6 +11,9 @@ namespace vdb {
 using Tessel::Result;
 using Tessel::String;
 
+/// What every question to an object that is no object answers.
+inline const Result kInvalid = Result::Fail("invalid object");
+
 /// Index tags in the top 8 bits of the second word, so that objects of different kinds differ.
 enum IndexTag : uint32_t { kTagComp = 0, kTagNet = 1, kTagPort = 2, kTagPin = 3, kTagConfig = 4, kTagPath = 5,
                            kTagGroup = 6 };

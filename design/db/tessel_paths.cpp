@@ -8,10 +8,6 @@ using Tessel::ContainerT;
 using Tessel::Index;
 using Tessel::IteratorT;
 
-namespace {
-const Result kInvalid = Result::Fail("invalid object");
-}  // namespace
-
 // ---- PathObj
 
 Result PathObj::IsValid() const { return db_ ? Result::Ok() : kInvalid; }

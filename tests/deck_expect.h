@@ -1,6 +1,7 @@
-// Pieces of expected whole decks, for the deck tests that run the built program.
+// Pieces of designs and of expected whole decks, for the deck tests that run the built program.
 #pragma once
 
+#include <sstream>
 #include <string>
 
 namespace deckexpect {
@@ -29,6 +30,27 @@ inline std::string Head(const std::string& options, bool probePassRan = false) {
 inline std::string TopDesign(const std::string& components, const std::string& nets = "") {
   return R"({ "blocks": [ { "name": "TOP", )" + (nets.empty() ? "" : R"("nets": [ )" + nets + " ], ") +
          R"("components": [ )" + components + " ] } ] }";
+}
+
+/// Pins as JSON array items: "A=IN B" is pin A on net IN and pin B without a net.
+inline std::string PinItems(const std::string& pins) {
+  std::istringstream words(pins);
+  std::string word, items;
+  while (words >> word) {
+    size_t equals = word.find('=');
+    items += std::string(items.empty() ? "" : ", ") + R"({ "name": ")" + word.substr(0, equals) + "\"" +
+             (equals == std::string::npos ? "" : R"(, "net": ")" + word.substr(equals + 1) + "\"") + " }";
+  }
+  return items;
+}
+
+/// A component as JSON: its label, part name, the body of its attribute object (none when
+/// empty), its pins as for PinItems, and further members such as `"type": 2, "child": "SUB"`.
+inline std::string Part(const std::string& label, const std::string& name, const std::string& attributes,
+                        const std::string& pins, const std::string& extra = "") {
+  return R"({ "label": ")" + label + R"(", "name": ")" + name + "\", " +
+         (attributes.empty() ? "" : R"("attributes": { )" + attributes + " }, ") +
+         (extra.empty() ? "" : extra + ", ") + R"("pins": [ )" + PinItems(pins) + " ] }";
 }
 
 }  // namespace deckexpect

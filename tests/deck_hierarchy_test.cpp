@@ -10,45 +10,24 @@
 namespace {
 
 using deckexpect::Head;
+using deckexpect::Part;
 
 // TOP places MID, MID places LEAF; VDD is global in both sub-blocks, K lives in LEAF alone.
-const char* const kThreeLevels = R"({
-  "symbols": {
-    "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" },
-    "CAP.1": { "PREFIX": "C", "ORDER": "VALUE$" },
-    "MID.1": { "DESC": "amplifier" },
-    "LEAF.1": { "LEVEL": "STOP" }
-  },
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "X1", "name": "MID.1", "type": 2, "child": "MID",
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "RL", "name": "RES.1", "attributes": { "VALUE": "5" },
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
-      ] },
-    { "name": "MID",
-      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
-      "nets": [ { "label": "VDD", "global": true } ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "M" } ] },
-        { "label": "X2", "name": "LEAF.1", "type": 2, "child": "LEAF",
-          "pins": [ { "name": "P", "net": "M" }, { "name": "Q", "net": "B" } ] }
-      ] },
-    { "name": "LEAF",
-      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
-      "nets": [ { "label": "VDD", "global": true } ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "3K" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "K" } ] },
-        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "10P" },
-          "pins": [ { "name": "A", "net": "K" }, { "name": "B", "net": "Q" } ] },
-        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "4K" },
-          "pins": [ { "name": "A", "net": "K" }, { "name": "B", "net": "VDD" } ] }
-      ] }
-  ]
-})";
+const std::string kThreeLevels =
+    R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" }, "CAP.1": { "PREFIX": "C", "ORDER": "VALUE$" },
+                   "MID.1": { "DESC": "amplifier" }, "LEAF.1": { "LEVEL": "STOP" } },
+      "blocks": [ { "name": "TOP", "components": [ )" +
+    Part("X1", "MID.1", "", "A=IN B=OUT", R"("type": 2, "child": "MID")") + ", " +
+    Part("RL", "RES.1", R"("VALUE": "5")", "A=OUT B=GND") +
+    R"( ] }, { "name": "MID", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "nets": [ { "label": "VDD", "global": true } ], "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "2K")", "A=A B=M") + ", " +
+    Part("X2", "LEAF.1", "", "P=M Q=B", R"("type": 2, "child": "LEAF")") +
+    R"( ] }, { "name": "LEAF", "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+      "nets": [ { "label": "VDD", "global": true } ], "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "3K")", "A=P B=K") + ", " +
+    Part("C1", "CAP.1", R"("VALUE": "10P")", "A=K B=Q") + ", " +
+    Part("R2", "RES.1", R"("VALUE": "4K")", "A=K B=VDD") + " ] } ] }";
 
 TEST(FlatHierarchyDeckTest, NamesPassDownThroughPinsAndGainTheInstancePathElsewhere) {
   // M is local to X1, K local to X1\X2; P and Q reach the pins of X2, A and B those of X1;
@@ -112,42 +91,6 @@ TEST(FlatHierarchyDeckTest, ALevelMatchesExactly) {
   EXPECT_NE(run.deck.find("RX1X21 2 3 3.000000K\n"), std::string::npos) << run.deck;
 }
 
-TEST(FlatHierarchyDeckTest, ABlockPlacedInsideAStoppedBlockStillShowsItsComponents) {
-  // X2 stops by its instance attribute "Level"; TINY inside LEAF is not stopped, but the pins of
-  // X3 were never recorded, so its net T takes the whole instance path.
-  VeskRun run = RunVesk(R"({
-    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
-    "blocks": [
-      { "name": "TOP", "components": [
-        { "label": "X1", "name": "MID.1", "type": 2, "child": "MID", "pins": [ { "name": "A", "net": "IN" } ] },
-        { "label": "R0", "name": "RES.1", "attributes": { "VALUE": "3K" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] } ] },
-      { "name": "MID", "ports": [ { "name": "A", "net": "A" } ], "components": [
-        { "label": "X2", "name": "LEAF.1", "type": 2, "child": "LEAF", "attributes": { "Level": "STOP" },
-          "pins": [ { "name": "P", "net": "A" } ] } ] },
-      { "name": "LEAF", "ports": [ { "name": "P", "net": "P" } ],
-        "nets": [ { "label": "GND", "global": true } ], "components": [
-        { "label": "X3", "name": "TINY.1", "type": 2, "child": "TINY", "pins": [ { "name": "T", "net": "P" } ] },
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "GND" } ] } ] },
-      { "name": "TINY", "ports": [ { "name": "T", "net": "T" } ],
-        "nets": [ { "label": "GND", "global": true } ], "components": [
-        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" },
-          "pins": [ { "name": "A", "net": "T" }, { "name": "B", "net": "GND" } ] } ] }
-    ]
-  })",
-                        "-lSTOP TOP");
-  EXPECT_EQ(run.deck, Head("-lSTOP TOP") +
-                          "RX1X2X32 1 0 2.000000K\n"
-                          "R0 2 0 3.000000K\n"
-                          "* Dictionary 3\n"
-                          "* IN=2\n"
-                          "* GND=0\n"
-                          "* X1\\X2\\X3\\T = 1\n"
-                          "\n"
-                          "*.END\n");
-}
-
 TEST(HierarchicalDeckTest, EachBlockIsDefinedOnceChildrenFirst) {
   // Each definition numbers its own nodes, ports first; the root's lines follow the definitions.
   VeskRun run = RunVesk(kThreeLevels, "-h TOP");
@@ -209,72 +152,24 @@ TEST(HierarchicalDeckTest, AStoppedInstanceWithoutPrefixIsSkippedAndItsBlockNotD
                           "*.END\n\n");
 }
 
-TEST(HierarchicalDeckTest, AStoppedInstanceWithAPrefixStaysAsALine) {
-  // Kind 3 writes its symbol's name and then the default of its letter, with the note behind.
-  std::string design = kThreeLevels;
-  design.replace(design.find(R"("child": "LEAF",)"), 16,
-                 R"("child": "LEAF", "attributes": { "PREFIX": "X" },)");
-  VeskRun run = RunVesk(design, "-h -z -lSTOP TOP");
-  EXPECT_EQ(run.output, "*Warning: No Model For X2.Defaulting  to LEAF\n");
-  EXPECT_EQ(run.deck, Head("-h -z -lSTOP TOP", true) +
-                          "*Definition For Project MID\n"
-                          ".SUBCKT MID 1 2\n"
-                          "R1 1 3 2.000000K\n"
-                          "X2 3 2 LEAF LEAF\n"
-                          "*Warning: No Model For X2.Defaulting to LEAF\n"
-                          "* CROSS-REFERENCE 3\n"
-                          "* B=2\n"
-                          "* M=3\n"
-                          "* A=1\n"
-                          ".ENDS\n"
-                          "\n"
-                          "X1 1 2 MID\n"
-                          "RL 2 0 5.000000\n"
-                          "* Dictionary 3\n"
-                          "* GND=0\n"
-                          "* OUT=2\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n\n");
-}
-
 // SUB is placed in A and in B with its pins in different orders; its first instance sets the
 // order of the .SUBCKT line.
-const char* const kSharedBlock = R"({
-  "symbols": {
-    "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" },
-    "A.1": { "DESC": "a" }, "B.1": { "DESC": "b" }, "SUB.1": { "DESC": "sub" }
-  },
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "X1", "name": "A.1", "type": 2, "child": "A", "pins": [ { "name": "I", "net": "IN" } ] },
-        { "label": "X2", "name": "B.1", "type": 2, "child": "B", "pins": [ { "name": "I", "net": "IN" } ] },
-        { "label": "RIN", "name": "RES.1", "attributes": { "VALUE": "5" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] }
-      ] },
-    { "name": "A",
-      "ports": [ { "name": "I", "net": "I" } ],
-      "nets": [ { "label": "GND", "global": true } ],
-      "components": [
-        { "label": "U1", "name": "SUB.1", "type": 2, "child": "SUB",
-          "pins": [ { "name": "Q", "net": "GND" }, { "name": "P", "net": "I" } ] }
-      ] },
-    { "name": "B",
-      "ports": [ { "name": "I", "net": "I" } ],
-      "nets": [ { "label": "GND", "global": true } ],
-      "components": [
-        { "label": "U2", "name": "SUB.1", "type": 2, "child": "SUB",
-          "pins": [ { "name": "P", "net": "I" }, { "name": "Q", "net": "GND" } ] }
-      ] },
-    { "name": "SUB",
-      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] }
-      ] }
-  ]
-})";
+const std::string kSharedBlock =
+    R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" }, "A.1": { "DESC": "a" }, "B.1": { "DESC": "b" },
+                   "SUB.1": { "DESC": "sub" } },
+      "blocks": [ { "name": "TOP", "components": [ )" +
+    Part("X1", "A.1", "", "I=IN", R"("type": 2, "child": "A")") + ", " +
+    Part("X2", "B.1", "", "I=IN", R"("type": 2, "child": "B")") + ", " +
+    Part("RIN", "RES.1", R"("VALUE": "5")", "A=IN B=GND") +
+    R"( ] }, { "name": "A", "ports": [ { "name": "I", "net": "I" } ], "nets": [ { "label": "GND", "global": true } ],
+      "components": [ )" +
+    Part("U1", "SUB.1", "", "Q=GND P=I", R"("type": 2, "child": "SUB")") +
+    R"( ] }, { "name": "B", "ports": [ { "name": "I", "net": "I" } ], "nets": [ { "label": "GND", "global": true } ],
+      "components": [ )" +
+    Part("U2", "SUB.1", "", "P=I Q=GND", R"("type": 2, "child": "SUB")") +
+    R"( ] }, { "name": "SUB", "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+      "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "2K")", "A=P B=Q") + " ] } ] }";
 
 TEST(HierarchicalDeckTest, ABlockPlacedTwiceIsDefinedOnceWithThePinsOfItsFirstInstance) {
   // An instance label without its prefix gets it in front: U1 becomes XU1.
@@ -316,36 +211,16 @@ TEST(HierarchicalDeckTest, ABlockPlacedTwiceIsDefinedOnceWithThePinsOfItsFirstIn
                           "*.END\n\n");
 }
 
-TEST(FlatHierarchyDeckTest, TwoInstancesOfOneBlockReachTheirNetsByPinName) {
-  VeskRun run = RunVesk(kSharedBlock, "TOP");
-  EXPECT_EQ(run.deck, Head("TOP") +
-                          "RX1U11 1 0 2.000000K\n"
-                          "RX2U21 1 0 2.000000K\n"
-                          "RIN 1 0 5.000000\n"
-                          "* Dictionary 2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
-}
-
 TEST(FlatHierarchyDeckTest, ALabelThatEndsAnEarlierPinNameFindsThatPin) {
   // The pin list of X1 reads "AB,NA;B,NB;": the inner net B meets "B," inside "AB," first.
-  VeskRun run = RunVesk(R"({
-    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
-    "blocks": [
-      { "name": "TOP",
-        "components": [
-          { "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB",
-            "pins": [ { "name": "AB", "net": "NA" }, { "name": "B", "net": "NB" } ] } ] },
-      { "name": "SUB",
-        "ports": [ { "name": "AB", "net": "AB" }, { "name": "B", "net": "B" } ],
-        "components": [
-          { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
-            "pins": [ { "name": "A", "net": "B" }, { "name": "B", "net": "GND" } ] } ] }
-    ]
-  })",
-                        "TOP");
+  VeskRun run = RunVesk(
+      R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } }, "blocks": [
+      { "name": "TOP", "components": [ )" +
+          Part("X1", "SUB.1", "", "AB=NA B=NB", R"("type": 2, "child": "SUB")") +
+          R"( ] }, { "name": "SUB", "ports": [ { "name": "AB", "net": "AB" }, { "name": "B", "net": "B" } ],
+        "components": [ )" +
+          Part("R1", "RES.1", R"("VALUE": "2K")", "A=B B=GND") + " ] } ] }",
+      "TOP");
   EXPECT_EQ(run.deck, Head("TOP") +
                           "RX11 1 2 2.000000K\n"
                           "* Dictionary 2\n"

@@ -10,6 +10,7 @@
 namespace {
 
 using deckexpect::Head;
+using deckexpect::Part;
 
 VeskInput KelpoDeck() {
   VeskInput input;
@@ -21,70 +22,43 @@ VeskInput KelpoDeck() {
 // are "SCH" and an unknown one, and a part without attributes that ends the root's loop. AMP
 // holds a Verilog-A and a VHDL-AMS instance, a part without attributes, a part of unknown
 // model words and an excluded part.
-const char kHierarchy[] = R"({
-  "groups": { "G1": { "internal_id": "7A" } },
-  "blocks": [
-    { "name": "TOP",
-      "nets": [
-        { "label": "IN",  "group": "G1", "number": 1 },
-        { "label": "OUT", "group": "G1", "number": 2 },
-        { "label": "GND", "group": "G1", "number": 3 }
-      ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
-          "group": "G1", "number": 10,
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "definition": { "PREFIX": "X" },
-          "group": "G1", "number": 11,
-          "pins": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ] },
-        { "label": "E9", "name": "RES.1", "attributes": { "EXCLUDE": "Yes", "VALUE": "1" },
-          "group": "G1", "number": 12,
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "V7", "name": "VSRC.1",
-          "attributes": { "SIMULATION MODEL": "SCH", "SIMMODEL": "ABC", "VALUE": "5" },
-          "definition": { "ORDER": "VALUE$" }, "group": "G1", "number": 13,
-          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
-        { "label": "U4", "name": "ODD.1", "attributes": { "SIMULATION MODEL": "Xyz", "SIMMODEL": "ABC" },
-          "group": "G1", "number": 16, "pins": [ { "name": "A", "net": "OUT" } ] },
-        { "label": "C9", "name": "BARE.1", "group": "G1", "number": 14,
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
-        { "label": "R8", "name": "RES.1", "attributes": { "VALUE": "8" }, "definition": { "ORDER": "VALUE$" },
-          "group": "G1", "number": 15,
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
-      ] },
-    { "name": "AMP",
-      "ports": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ],
-      "nets": [
-        { "label": "IN",  "group": "G1", "number": 4 },
-        { "label": "OUT", "group": "G1", "number": 5 },
-        { "label": "MID", "group": "G1", "number": 6 }
-      ],
-      "components": [
-        { "label": "YU1", "name": "AMP_VA",
-          "attributes": { "SIMULATION MODEL": "veriloga", "MODEL": "amp", "VERILOG FILE": "va/Amp.VA",
-                          "VERILOG_PARAM_GAIN": "10" },
-          "definition": { "PREFIX": "Y" }, "group": "G1", "number": 20,
-          "pins": [ { "name": "INP", "net": "IN" }, { "name": "OUTP", "net": "MID" } ] },
-        { "label": "C5", "name": "BARE.1", "group": "G1", "number": 23,
-          "pins": [ { "name": "A", "net": "MID" } ] },
-        { "label": "U2", "name": "CNT_VHD",
-          "attributes": { "SIMMODEL": "VHDL-AMS", "VHDL": "lib.cnt", "VHDL_GENERIC_WIDTH": "integer:=8" },
-          "group": "G1", "number": 21,
-          "pins": [ { "name": "A", "net": "MID" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "U8", "name": "CNT_VHD", "attributes": { "SIMMODEL": "VHDL", "VHDL MODEL": "mylib.sub.counter" },
-          "group": "G1", "number": 25, "pins": [ { "name": "A", "net": "MID" } ] },
-        { "label": "YU9", "name": "AMP_VA",
-          "attributes": { "SIMULATION MODEL": "Verilog", "MODEL": "AMP", "USE VERILOG": "amplib",
-                          "VERILOG FILE": "unused.va" },
-          "group": "G1", "number": 26, "pins": [ { "name": "INP", "net": "OUT" } ] },
-        { "label": "U3", "name": "ODD.1",
-          "attributes": { "SIMULATION MODEL": "SCH", "SIMMODEL": "ABC" }, "group": "G1", "number": 22,
-          "pins": [ { "name": "A", "net": "MID" } ] },
-        { "label": "E1", "name": "RES.1", "attributes": { "EXCLUDE": "shunt" }, "group": "G1", "number": 24,
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "MID" } ] }
-      ] }
-  ]
-})";
+std::string Numbered(int number) { return R"("group": "G1", "number": )" + std::to_string(number); }
+
+const std::string kHierarchy =
+    R"({ "groups": { "G1": { "internal_id": "7A" } }, "blocks": [ { "name": "TOP", "nets": [
+      { "label": "IN", "group": "G1", "number": 1 }, { "label": "OUT", "group": "G1", "number": 2 },
+      { "label": "GND", "group": "G1", "number": 3 } ], "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "1K")", "A=IN B=GND",
+         R"("definition": { "ORDER": "VALUE$" }, )" + Numbered(10)) +
+    ", " +
+    Part("X1", "AMP.1", "", "IN=IN OUT=OUT",
+         R"("type": 2, "child": "AMP", "definition": { "PREFIX": "X" }, )" + Numbered(11)) +
+    ", " + Part("E9", "RES.1", R"("EXCLUDE": "Yes", "VALUE": "1")", "A=IN B=OUT", Numbered(12)) + ", " +
+    Part("V7", "VSRC.1", R"("SIMULATION MODEL": "SCH", "SIMMODEL": "ABC", "VALUE": "5")", "P=IN N=GND",
+         R"("definition": { "ORDER": "VALUE$" }, )" + Numbered(13)) +
+    ", " + Part("U4", "ODD.1", R"("SIMULATION MODEL": "Xyz", "SIMMODEL": "ABC")", "A=OUT", Numbered(16)) +
+    ", " + Part("C9", "BARE.1", "", "A=OUT B=GND", Numbered(14)) + ", " +
+    Part("R8", "RES.1", R"("VALUE": "8")", "A=OUT B=GND",
+         R"("definition": { "ORDER": "VALUE$" }, )" + Numbered(15)) +
+    R"( ] }, { "name": "AMP", "ports": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ],
+      "nets": [ { "label": "IN", "group": "G1", "number": 4 }, { "label": "OUT", "group": "G1", "number": 5 },
+                { "label": "MID", "group": "G1", "number": 6 } ], "components": [ )" +
+    Part(
+        "YU1", "AMP_VA",
+        R"("SIMULATION MODEL": "veriloga", "MODEL": "amp", "VERILOG FILE": "va/Amp.VA", "VERILOG_PARAM_GAIN": "10")",
+        "INP=IN OUTP=MID", R"("definition": { "PREFIX": "Y" }, )" + Numbered(20)) +
+    ", " + Part("C5", "BARE.1", "", "A=MID", Numbered(23)) + ", " +
+    Part("U2", "CNT_VHD", R"("SIMMODEL": "VHDL-AMS", "VHDL": "lib.cnt", "VHDL_GENERIC_WIDTH": "integer:=8")",
+         "A=MID B=OUT", Numbered(21)) +
+    ", " +
+    Part("U8", "CNT_VHD", R"("SIMMODEL": "VHDL", "VHDL MODEL": "mylib.sub.counter")", "A=MID", Numbered(25)) +
+    ", " +
+    Part(
+        "YU9", "AMP_VA",
+        R"("SIMULATION MODEL": "Verilog", "MODEL": "AMP", "USE VERILOG": "amplib", "VERILOG FILE": "unused.va")",
+        "INP=OUT", Numbered(26)) +
+    ", " + Part("U3", "ODD.1", R"("SIMULATION MODEL": "SCH", "SIMMODEL": "ABC")", "A=MID", Numbered(22)) +
+    ", " + Part("E1", "RES.1", R"("EXCLUDE": "shunt")", "A=IN B=MID", Numbered(24)) + " ] } ] }";
 
 const char kAmpDefinition[] =
     "*Definition For Project AMP\n"
@@ -143,17 +117,6 @@ TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
   EXPECT_FALSE(run.Exists("TOP.cir"));
 }
 
-// The map lies under genhdl whatever folder and name the deck is given.
-TEST(KelpoHierarchyTest, MapStaysInTheGeneratedFolder) {
-  VeskInput input = KelpoDeck();
-  input.deckPath = "out/deck.cir";
-  VeskRun run = RunVesk(kHierarchy, "-_ -h -%out -!deck TOP", input);
-  ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_NE(run.deck.find("X1 IN OUT AMP\n"), std::string::npos) << run.deck;
-  EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"), kHierarchyMap);
-  EXPECT_FALSE(run.Exists("genhdl/TOP/TOP.cir"));
-}
-
 // The ".global" lines stand behind the end line.
 TEST(KelpoHierarchyTest, GlobalsFollowTheEndLine) {
   const char design[] = R"({ "blocks": [ { "name": "TOP", "nets": [ { "label": "VDD", "global": true } ],
@@ -161,57 +124,45 @@ TEST(KelpoHierarchyTest, GlobalsFollowTheEndLine) {
       "definition": { "ORDER": "VALUE$" }, "pins": [ { "name": "A", "net": "VDD" }, { "name": "B", "net": "GND" } ] } ] } ] })";
   VeskRun run = RunVesk(design, "-_ TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.deck,
-            Head("-_ TOP") +
-                "R1 VDD 0 1000.000000\n* Dictionary 1\n* GND = 0\n\n*.END\n\n*Globals\n.global VDD\n");
+  EXPECT_EQ(
+      run.deck,
+      Head("-_ TOP") + "R1 VDD 0 1000.000000\n* Dictionary 1\n* GND = 0\n\n*.END\n\n*Globals\n.global VDD\n");
 }
 
 // Three levels: TOP places MID, MID places LEAF. Long VHDL-AMS lines in TOP and LEAF.
-const char kSources[] = R"({
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "YU5", "name": "FILTER",
-          "attributes": { "SIMULATION MODEL": "VHDL", "VHDL": "filter", "VHDL_GENERIC_ZETA": "7",
-                          "VHDL_GENERIC_ALPHA": "0.25", "VHDL_GENERIC_BETA": "real:=1.5",
-                          "VHDL_GENERIC_DELTA_T": "1n", "VHDL_GENERIC_GAMMA": "3",
-                          "VHDL_GENERIC_GAIN_LIMIT": "1000", "VHDL_GENERIC_OFFSET_VOLTAGE": "0.001" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-        { "label": "E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN",
-          "name": "RES.1", "attributes": { "EXCLUDE": "yes" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-        { "label": "R4", "name": "RES.1", "attributes": { "VALUE": "2", "TC": "A+B" },
-          "definition": { "ORDER": "VALUE$ TC=" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-        { "label": "X1", "name": "MID.1", "type": 2, "child": "MID", "definition": { "PREFIX": "X" },
-          "pins": [ { "name": "P", "net": "IN" }, { "name": "Q", "net": "OUT" } ] },
-        { "label": "AC1", "name": "AC.1", "attributes": { "GENERATOR": ".AC", "N": "10" },
-          "definition": { "ORDER": "N$" } }
-      ] },
-    { "name": "MID",
-      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
-      "components": [
-        { "label": "X2", "name": "LEAF.1", "type": 2, "child": "LEAF", "definition": { "PREFIX": "X" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] },
-        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" }, "definition": { "ORDER": "VALUE$" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] }
-      ] },
-    { "name": "LEAF",
-      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
-      "components": [
-        { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "3" }, "definition": { "ORDER": "VALUE$" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ] },
-        { "label": "U6", "name": "STAGE",
-          "attributes": { "SIMMODEL": "vhdl", "VHDL": "lib.stage", "VHDL_GENERIC_MODE": "fast",
-                          "VHDL_GENERIC_COEFFICIENT_A": "1111", "VHDL_GENERIC_COEFFICIENT_B": "2",
-                          "VHDL_GENERIC_COEFFICIENT_C": "3.5" },
-          "pins": [ { "name": "P", "net": "B" }, { "name": "N", "net": "GND" } ] },
-        { "label": "YU7", "name": "PROBE_VA",
-          "attributes": { "SIMULATION MODEL": "veriloga", "MODEL": "Probe", "VERILOG FILE": "$VA/Sub.Dir/x.V" },
-          "pins": [ { "name": "P", "net": "A" } ] }
-      ] }
-  ]
-})";
+const std::string kValue = R"("definition": { "ORDER": "VALUE$" })";
+const std::string kSources =
+    R"({ "blocks": [ { "name": "TOP", "components": [ )" +
+    Part(
+        "YU5", "FILTER",
+        R"("SIMULATION MODEL": "VHDL", "VHDL": "filter", "VHDL_GENERIC_ZETA": "7", "VHDL_GENERIC_ALPHA": "0.25",
+            "VHDL_GENERIC_BETA": "real:=1.5", "VHDL_GENERIC_DELTA_T": "1n", "VHDL_GENERIC_GAMMA": "3",
+            "VHDL_GENERIC_GAIN_LIMIT": "1000", "VHDL_GENERIC_OFFSET_VOLTAGE": "0.001")",
+        "A=IN B=GND") +
+    ", " +
+    Part("E_WITH_A_LABEL_SO_LONG_THAT_ITS_NOTE_RUNS_FAR_BEYOND_THE_SEVENTY_SEVENTH_COLUMN", "RES.1",
+         R"("EXCLUDE": "yes")", "A=IN B=GND") +
+    ", " +
+    Part("R4", "RES.1", R"("VALUE": "2", "TC": "A+B")", "A=IN B=GND",
+         R"("definition": { "ORDER": "VALUE$ TC=" })") +
+    ", " +
+    Part("X1", "MID.1", "", "P=IN Q=OUT", R"("type": 2, "child": "MID", "definition": { "PREFIX": "X" })") +
+    R"(, { "label": "AC1", "name": "AC.1", "attributes": { "GENERATOR": ".AC", "N": "10" },
+           "definition": { "ORDER": "N$" } } ] },
+      { "name": "MID", "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ], "components": [ )" +
+    Part("X2", "LEAF.1", "", "A=P B=Q", R"("type": 2, "child": "LEAF", "definition": { "PREFIX": "X" })") +
+    ", " + Part("R2", "RES.1", R"("VALUE": "2K")", "A=P B=Q", kValue) +
+    R"( ] }, { "name": "LEAF", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "components": [ )" +
+    Part("R3", "RES.1", R"("VALUE": "3")", "A=A B=B", kValue) + ", " +
+    Part("U6", "STAGE",
+         R"("SIMMODEL": "vhdl", "VHDL": "lib.stage", "VHDL_GENERIC_MODE": "fast",
+            "VHDL_GENERIC_COEFFICIENT_A": "1111", "VHDL_GENERIC_COEFFICIENT_B": "2", "VHDL_GENERIC_COEFFICIENT_C": "3.5")",
+         "P=B N=GND") +
+    ", " +
+    Part("YU7", "PROBE_VA",
+         R"("SIMULATION MODEL": "veriloga", "MODEL": "Probe", "VERILOG FILE": "$VA/Sub.Dir/x.V")", "P=A") +
+    " ] } ] }";
 
 const char kLongNote[] =
     "*Note : Excluding Component "
@@ -264,46 +215,15 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
                 "\n");
 }
 
-// Without "-7" the generated sources are not included, even when they are there.
-TEST(KelpoSourcesTest, SourcesOfTheOtherToolNeedTheirSwitch) {
-  VeskInput input = KelpoDeck();
-  input.files["genhdl/TOP/TOP_sources.spi"] = "* generated\n";
-  input.files["genhdl/TOP/TOP_boundaries.cir"] = "* boundaries\n";
-  VeskRun run = RunVesk(kSources, "-_ -__ -h TOP", input);
-  ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.deck.find(".include"), std::string::npos) << run.deck;
-  // Without "-__" the boundaries are included, and the plain sources file only under "-7".
-  input.files["genhdl/TOP/TOP_sources.cir"] = "* plain\n";
-  VeskRun plain = RunVesk(kSources, "-_ -7 -h TOP", input);
-  EXPECT_NE(plain.deck.find("*\n.include ..\\..\\genhdl\\TOP\\TOP_sources.cir\n"
-                            ".include ..\\..\\genhdl\\TOP\\TOP_boundaries.cir\n"),
-            std::string::npos)
-      << plain.deck;
-  // There a value that is no plain number is quoted.
-  EXPECT_NE(plain.deck.find("\nR4 IN 0 2.000000 TC='A+B'\n"), std::string::npos) << plain.deck;
-}
-
 // A flat RC filter with a probed net IN, a voltage probe P1 on OUT, a current probe on R1 and a
 // NODESET on IN, and the generator components named in `generators`.
 std::string Analyses(const std::string& generators) {
-  return R"({
-  "blocks": [
-    { "name": "TOP",
-      "nets": [ { "label": "IN", "attributes": { "PROBE": "V", "NODESET": "1.5" } } ],
-      "components": [
-        { "label": "V1", "name": "VSRC.1", "attributes": { "VALUE": "1" }, "definition": { "ORDER": "VALUE$" },
-          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
-          "definition": { "ORDER": "VALUE$" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "1N" }, "definition": { "ORDER": "VALUE$" },
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
-        { "label": "P1", "name": "PROBE.1", "attributes": { "PROBE": "V" },
-          "pins": [ { "name": "A", "net": "OUT" } ] })" +
-         generators + R"(
-      ] }
-  ]
-})";
+  return R"({ "blocks": [ { "name": "TOP",
+    "nets": [ { "label": "IN", "attributes": { "PROBE": "V", "NODESET": "1.5" } } ], "components": [ )" +
+         Part("V1", "VSRC.1", R"("VALUE": "1")", "P=IN N=GND", kValue) + ", " +
+         Part("R1", "RES.1", R"("VALUE": "1K", "PROBE": "i")", "A=IN B=OUT", kValue) + ", " +
+         Part("C1", "CAP.1", R"("VALUE": "1N")", "A=OUT B=GND", kValue) + ", " +
+         Part("P1", "PROBE.1", R"("PROBE": "V")", "A=OUT") + generators + " ] } ] }";
 }
 
 const char kTran[] = R"(,
@@ -312,9 +232,6 @@ const char kTran[] = R"(,
 const char kAc[] = R"(,
         { "label": "AC1", "name": "AC.1", "attributes": { "GENERATOR": ".AC", "NPTS": "10", "FSTART": "1",
           "FSTOP": "1MEG" }, "definition": { "ORDER": "\"DEC\" NPTS$ FSTART$ FSTOP$" } })";
-const char kDc[] = R"(,
-        { "label": "DC1", "name": "DC.1", "attributes": { "GENERATOR": ".DC", "SRC": "V1", "TO": "5" },
-          "definition": { "ORDER": "SRC$ \"0\" TO$ \"1\"" } })";
 const char kFour[] = R"(,
         { "label": "F1", "name": "FOUR.1", "attributes": { "GENERATOR": ".FOUR", "FREQ": "1K" },
           "definition": { "ORDER": "FREQ$" }, "pins": [ { "name": "P", "net": "OUT" } ] })";
@@ -361,48 +278,6 @@ TEST(KelpoAnalysesTest, StatementsInKeyOrderAndProbesPerAnalysis) {
                           ".NODESET V(IN)=1.5\n"
                           "\n"
                           "*.END\n");
-}
-
-// Without ".AC" and ".TRAN" the ".NOISE" and ".FOUR" statements are refused on the console and
-// leave nothing in the deck; the probes are printed for the ".DC" analysis alone.
-TEST(KelpoAnalysesTest, NoiseWithoutAcAndFourierWithoutTranAreRefused) {
-  VeskRun run = RunVesk(Analyses(std::string(kFour) + kNoise + kDc), "-_ -w TOP", KelpoDeck());
-  ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(
-      run.output,
-      "Error :Fourier analysis requires oscilloscope Error: Noise generator (.NOISE) requires Bode Plot");
-  EXPECT_EQ(run.deck, Head("-_ -w TOP") + kCircuit +
-                          ".DC V1 0 5.000000 1\n"
-                          "* Dictionary 1\n"
-                          "* GND=0\n"
-                          ".PRINT DC V(IN)\n"
-                          ".PRINT DC V(OUT)\n"
-                          ".PRINT DC i(R1)\n"
-                          ".NODESET V(IN)=1.5\n"
-                          "\n"
-                          "*.END\n");
-}
-
-// Without any analysis there is no print statement, whatever was probed; "-i" keeps the ".NOISE"
-// statement but drops its ".PRINT NOISE" line and every print statement.
-TEST(KelpoAnalysesTest, NoAnalysisNoPrintsAndIgnoredPrints) {
-  VeskRun none = RunVesk(Analyses(kSens), "-_ TOP", KelpoDeck());
-  EXPECT_EQ(none.deck, Head("-_ TOP") + kCircuit +
-                           ".SENS V(OUT)\n"
-                           "* Dictionary 1\n"
-                           "* GND=0\n"
-                           ".NODESET V(IN)=1.5\n"
-                           "\n"
-                           "*.END\n");
-  VeskRun ignored = RunVesk(Analyses(std::string(kNoise) + kAc), "-_ -i TOP", KelpoDeck());
-  EXPECT_EQ(ignored.deck, Head("-_ -i TOP") + kCircuit +
-                              ".AC DEC 10.000000 1.000000 1000.000000K\n"
-                              ".NOISE V(OUT) V1\n"
-                              "* Dictionary 1\n"
-                              "* GND=0\n"
-                              ".NODESET V(IN)=1.5\n"
-                              "\n"
-                              "*.END\n");
 }
 
 }  // namespace

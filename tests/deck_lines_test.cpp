@@ -224,30 +224,6 @@ TEST(DeckLines, HierarchicalDeckDefaultsToTheFirstPartOfTheName) {
                           "\n");
 }
 
-TEST(DeckLines, UnconnectedPinsGetNodesOfTheirOwnAndANote) {
-  const std::string value = R"("VALUE": "1K")";
-  const std::string open = R"({ "name": "A", "net": "IN" }, { "name": "B" })";
-  std::string design = TopDesign(Comp("R1", "RES.1", value, R"("ORDER": "VALUE$")", open) + ", " +
-                                 Comp("R2", "RES.1", value, R"("ORDER": "VALUE$")", open) + ", " +
-                                 Comp("R3", "RES.1", value, R"("ORDER": "VALUE$", "PINORDER": "B A")",
-                                      R"({ "name": "A", "net": "GND" }, { "name": "B" })"));
-  VeskRun run = RunVesk(design, "TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  // The note of a pin order names the pin; it is a comment, so its blanks stay as they are.
-  EXPECT_EQ(run.deck, Head("TOP") +
-                          "R1 1 N0 1000.000000\n"
-                          "* Pin  is not connected\n"
-                          "R2 1 N1 1000.000000\n"
-                          "* Pin  is not connected\n"
-                          "R3 N2 0 1000.000000\n"
-                          "* Pin R3.B is not connected\n"
-                          "* Dictionary 2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
-}
-
 // Values that refer to other attributes with "@", written for three dialects.
 std::string ReferencesDesign() {
   const std::string value = R"("ORDER": "VALUE$")";
@@ -328,29 +304,6 @@ TEST(DeckLines, UnitsFollowTheParameterNameAndValuesTakeEngineeringForm) {
   EXPECT_EQ(run.deck, Head("-z TOP") +
                           "M1 1 2 0 0 NCH 1000.000000N 10.000000U\n"
                           "M2 1 2 0 0 NCH L=2.000000U W=4.000000U AS=3.000000P AD=5.000000P M=2.000000U\n"
-                          "R1 2 0 50.800000U\n"
-                          "R2 2 0 10.000000K\n"
-                          "R3 2 0 1000.000000MEG\n"
-                          "R4 2 0 1000.000000U\n"
-                          "R5 2 0 6.000000\n"
-                          "R6 2 0 ABC\n"
-                          "* Dictionary 3\n"
-                          "* GND=0\n"
-                          "* IN=2\n"
-                          "* OUT=1\n"
-                          "*.END\n");
-}
-
-// The strip flags are read when the post-process pass starts: values get their units in the
-// component lines, and only the length and width words of device lines lose them again.
-TEST(DeckLines, StrippedUnitsComeOffLengthAndWidthInThePostProcessPass) {
-  VeskInput input;
-  input.config = "STRIP UNITS\n";
-  VeskRun run = RunVesk(UnitsDesign(), "-z TOP", input);
-  ASSERT_EQ(run.rc, 0) << run.output;
-  EXPECT_EQ(run.deck, Head("-z TOP") +
-                          "M1 1 2 0 0 NCH 1000.000000N 10.000000U\n"
-                          "M2 1 2 0 0 NCH L=2.000000 W=4.000000 AS=3.000000P AD=5.000000P M=2.000000U\n"
                           "R1 2 0 50.800000U\n"
                           "R2 2 0 10.000000K\n"
                           "R3 2 0 1000.000000MEG\n"

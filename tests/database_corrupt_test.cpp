@@ -2,10 +2,10 @@
 // design, vesk reports it as a database that cannot be opened, and nothing crashes on the way.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -68,11 +68,8 @@ VeskRun RunOn(const std::string& bytes, const std::string& args) {
 class CorruptDatabase : public ::testing::Test {
  protected:
   void SetUp() override {
-    static int serial = 0;
-    folder_ = fs::temp_directory_path() /
-              ("vesk-db-corrupt-" + std::to_string(::getpid()) + "-" + std::to_string(serial++));
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
+    char name[] = "/tmp/vesk-db-corrupt-XXXXXX";
+    folder_ = ::mkdtemp(name);
     std::string error;
     ASSERT_TRUE(ImportDesign(kDesign, folder_.string(), error)) << error;
     good_ = ReadBytes(DatabaseFile());
@@ -81,22 +78,17 @@ class CorruptDatabase : public ::testing::Test {
 
   fs::path DatabaseFile() const { return folder_ / "database" / vdb::kDatabaseFile; }
 
-  /// The good file after `sql`, with ?1 bound to `blob` when given. A strict edit must apply
-  /// and change something; a random one may fail.
-  std::string Edited(const std::string& sql, const std::string* blob = nullptr, bool strict = true) {
+  /// The good file after `sql`, with ?1 bound to `blob` when given. An edit that does not apply
+  /// leaves the good file, which a test that expects a refusal notices.
+  std::string Edited(const std::string& sql, const std::string* blob = nullptr) {
     fs::path file = folder_ / "edit.sqlite";
     WriteBytes(file, good_);
     sqlite3* db = nullptr;
     sqlite3_open(file.c_str(), &db);
     sqlite3_stmt* stmt = nullptr;
-    int prepared = sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr);
-    if (blob && stmt)
-      sqlite3_bind_blob(stmt, 1, blob->data(), static_cast<int>(blob->size()), SQLITE_TRANSIENT);
-    int stepped = stmt ? sqlite3_step(stmt) : SQLITE_ERROR;
-    if (strict) {
-      EXPECT_EQ(prepared, SQLITE_OK) << sql << sqlite3_errmsg(db);
-      EXPECT_EQ(stepped, SQLITE_DONE) << sql << sqlite3_errmsg(db);
-      EXPECT_GT(sqlite3_changes(db) + (sql.rfind("DROP", 0) == 0), 0) << sql;
+    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr) == SQLITE_OK) {
+      if (blob) sqlite3_bind_blob(stmt, 1, blob->data(), static_cast<int>(blob->size()), SQLITE_TRANSIENT);
+      sqlite3_step(stmt);
     }
     sqlite3_finalize(stmt);
     sqlite3_close(db);
@@ -203,13 +195,13 @@ TEST_F(CorruptDatabase, VeskNeverCrashesOnRandomDamage) {
           bytes[random() % bytes.size()] ^= static_cast<char>(1 + random() % 255);
         sql = "flipped bytes";
     }
-    if (round % 3 != 2) bytes = Edited(sql, nullptr, false);
+    if (round % 3 != 2) bytes = Edited(sql);
     std::string reason;
     bool loads = Loads(bytes, reason);
     loads ? ++loaded : ++refused;
     EXPECT_TRUE(loads || !reason.empty()) << sql;
     static const char* kArgs[] = {"TOP", "TOP -h", "bench -j TOP/X1/XL"};
-    const char* args = kArgs[round % 3];
+    const char* args = kArgs[round / 3 % 3];
     VeskRun run = RunOn(bytes, args);
     EXPECT_TRUE(run.rc == 0 || run.rc == 1) << sql << " / " << args << ": rc " << run.rc << "\n"
                                             << run.output;

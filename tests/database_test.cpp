@@ -131,8 +131,10 @@ class DatabaseTest : public ::testing::Test {
 // TOP places MID through X1 and LEAF three times: through X2, through X3 (type bits 3) and, inside
 // MID, through XL. XP holds a child but is no hierarchical instance; XN is one without a child.
 const char* kTree = R"({"blocks": [
-  {"name": "LEAF", "ports": [{"name": "P", "net": "P"}], "components": [{"label": "RL", "pins": [{"name": "A", "net": "P"}]}]},
-  {"name": "MID", "components": [{"label": "RM"}, {"label": "XL", "type": 2, "child": "LEAF"}, {"label": "RM2"}]},
+  {"name": "LEAF", "ports": [{"name": "P", "net": "P"}],
+   "components": [{"label": "RL", "pins": [{"name": "A", "net": "P"}]}]},
+  {"name": "MID", "components": [{"label": "RM"}, {"label": "XL", "type": 2, "child": "LEAF"},
+                                 {"label": "RM2"}]},
   {"name": "TOP", "components": [{"label": "R1"}, {"label": "X1", "type": 2, "child": "MID"}, {"label": "R2"},
     {"label": "X2", "type": 2, "child": "LEAF"}, {"label": "XP", "type": 1, "child": "LEAF"},
     {"label": "XN", "type": 2}, {"label": "X3", "type": 3, "child": "LEAF"}, {"label": "Z0", "type": 0}]}]})";
@@ -173,7 +175,8 @@ TEST_F(DatabaseTest, ConfigsWalkTheTreeDepthFirstNamePathsWithTheCallersSeparato
 const char* kAttributes = R"({
   "symbols": {"RES.1": {"PREFIX": "R", "ORDER": "VALUE$"}},
   "blocks": [{"name": "TOP", "components": [
-    {"label": "R1", "name": "RES.1", "attributes": {"VALUE": "1K", "$$Kept": "k", "value": "lower", "EMPTY": ""},
+    {"label": "R1", "name": "RES.1",
+     "attributes": {"VALUE": "1K", "$$Kept": "k", "value": "lower", "EMPTY": ""},
      "definition": {"ORDER": "VALUE$", "VALUE": "2K"}},
     {"label": "R2", "name": "RES.1", "attributes": {"VALUE": "3K"}},
     {"label": "R3", "name": "RES.1", "definition": {}},
@@ -233,7 +236,8 @@ TEST_F(DatabaseTest, AttributesListInstanceLevelThenDefinitionOrSymbolAndOneIsAn
 TEST_F(DatabaseTest, UndeclaredNetsArePlainSharedAndFollowTheDeclaredOnesInOrderOfFirstMention) {
   Open(R"({"blocks": [{"name": "OTHER", "nets": [{"label": "Y", "global": true}]}, {"name": "TOP",
     "components": [
-      {"label": "U1", "pins": [{"name": "A", "net": "Y"}, {"name": "B", "net": "B"}, {"name": "C", "nets": ["X", "Z"]}]},
+      {"label": "U1", "pins": [{"name": "A", "net": "Y"}, {"name": "B", "net": "B"},
+                               {"name": "C", "nets": ["X", "Z"]}]},
       {"label": "U2", "pins": [{"name": "A", "net": "W"}, {"name": "B", "net": "Y"}]}],
     "nets": [{"label": "B", "global": true}, {"label": "A"}],
     "ports": [{"name": "P", "net": "X"}, {"name": "Q", "nets": ["V", "A"]}]}]})");

@@ -1,8 +1,8 @@
 // The vesk-db program: the export/import round trip, replacing a database, and the one-line
 // report of bad input that leaves an existing database as it was.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -18,25 +18,18 @@ namespace {
 class VeskDbTool : public ::testing::Test {
  protected:
   void SetUp() override {
-    static int serial = 0;
-    folder_ = fs::temp_directory_path() /
-              ("vesk-db-tool-" + std::to_string(::getpid()) + "-" + std::to_string(serial++));
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
+    char name[] = "/tmp/vesk-db-tool-XXXXXX";
+    folder_ = ::mkdtemp(name);
   }
   void TearDown() override { fs::remove_all(folder_); }
 
   void Write(const std::string& relative, const std::string& text) {
-    fs::path path = folder_ / relative;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << text;
+    fs::create_directories((folder_ / relative).parent_path());
+    std::ofstream(folder_ / relative, std::ios::binary) << text;
   }
 
-  /// Runs vesk-db with `args` in `subfolder` of the test folder.
-  int Run(const std::string& args, const std::string& subfolder = "") {
-    fs::path where = folder_ / subfolder;
-    fs::create_directories(where);
-    return RunProgram(BinaryDir() + "/vesk-db", args, where.string(), {}, out_, err_);
+  int Run(const std::string& args) {
+    return RunProgram(BinaryDir() + "/vesk-db", args, folder_.string(), {}, out_, err_);
   }
 
   /// Writes `json` to design.json and imports it; fails the test when the import fails.
@@ -68,26 +61,28 @@ class VeskDbTool : public ::testing::Test {
 // Uses every field with a value other than its default, and leans on every default.
 const char* kRich = R"({
   "snapshot": "Qor",
-  "groups": {"G1": {"internal_id": "7A", "type": 2}, "G3": {"internal_id": "x\"y\\z", "type": -3}, "GD": {}},
+  "groups": {"G1": {"internal_id": "7A", "type": 2}, "G3": {"internal_id": "x\"y\\z", "type": -3},
+             "GD": {}},
   "symbols": {"RES.1": {"PREFIX": "R", "ORDER": "VALUE$"}, "EMPTY.1": {}},
   "testbenches": {"mydesign": "(lib)_TOP", "sub": "SUB"},
   "blocks": [
     {"name": "(lib)_TOP",
      "ports": [{"name": "IN", "net": "IN", "attributes": {"SIGNAL": "A", "BLANK": ""}},
-       {"name": "D[1:0]", "bus": "D", "nets": ["D1", "D0"]}, {"name": "W", "bus": "WB", "width": 8, "connected": false},
-       {"name": "SPARE"}],
+       {"name": "D[1:0]", "bus": "D", "nets": ["D1", "D0"]},
+       {"name": "W", "bus": "WB", "width": 8, "connected": false}, {"name": "SPARE"}],
      "nets": [{"label": "IN", "global": false, "attributes": {"PROBE": ""}, "group": "G1", "number": 3},
-       {"label": "GND", "global": true}, {"label": "N\tTAB", "group": "G3"}, {"label": "NEG", "group": "GD", "number": -5}],
+       {"label": "GND", "global": true}, {"label": "N\tTAB", "group": "G3"},
+       {"label": "NEG", "group": "GD", "number": -5}],
      "components": [
-       {"label": "R1", "name": "RES.1", "partition": "analog", "type": 1, "attributes": {"VALUE": "1K", "$$Own": "é ü \u0001"},
-        "definition": {"ORDER": "VALUE$"}, "pins": [{"name": "A", "net": "IN"}, {"name": "B", "net": "GND"}],
-        "group": "G1", "number": 12},
+       {"label": "R1", "name": "RES.1", "partition": "analog", "type": 1,
+        "attributes": {"VALUE": "1K", "$$Own": "é ü \u0001"}, "definition": {"ORDER": "VALUE$"},
+        "pins": [{"name": "A", "net": "IN"}, {"name": "B", "net": "GND"}], "group": "G1", "number": 12},
        {"label": "R2", "name": "RES.1", "pins": [{"name": "A", "net": "OUT"}, {"name": "B"}]},
        {"label": "R3", "name": "RES.1", "definition": {}},
        {"label": "E1", "name": "EMPTY.1", "type": 0},
        {"label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [{"name": "P", "net": "IN"},
-        {"name": "Q", "connected": true}, {"name": "B[3:0]", "nets": ["B3", "B2", "B1", "B0"], "bus": "B", "width": 4},
-        {"name": "E", "nets": []}]},
+        {"name": "Q", "connected": true}, {"name": "E", "nets": []},
+        {"name": "B[3:0]", "nets": ["B3", "B2", "B1", "B0"], "bus": "B", "width": 4}]},
        {"label": "X$2", "type": 3, "child": "SUB", "group": "GD"}]},
     {"name": "SUB", "ports": [{"name": "P", "net": "P"}], "components": []},
     {"name": "LONELY"}]})";
@@ -246,7 +241,8 @@ TEST_F(VeskDbTool, ANewImportReplacesTheDatabaseUnderTheSnapshotAskedFor) {
 const std::pair<const char*, const char*> kBadInputs[] = {
     {R"({"blocks": [)", "line 1, column "},  // not JSON
     {"{}", "blocks"},                        // a required field missing
-    {R"({"blocks": [{"name": "A", "components": [{"label": "R", "pins": [{"name": "P", "nets": ["a", 2]}]}]}]})",
+    {R"({"blocks": [{"name": "A",
+       "components": [{"label": "R", "pins": [{"name": "P", "nets": ["a", 2]}]}]}]})",
      "blocks[0].components[0].pins[0].nets[1]"},  // a field of the wrong type
     {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "number": 3000000000}]}]})",
      "blocks[0].nets[0].number"},  // out of range
@@ -286,15 +282,6 @@ TEST_F(VeskDbTool, BadInputIsReportedOnOneLineAndLeavesTheOldDatabaseByteForByte
   EXPECT_EQ(err_.rfind("vesk-db: missing.json: ", 0), 0u) << err_;
   EXPECT_EQ(err_.find('\n'), err_.size() - 1) << err_;
   EXPECT_TRUE(FolderBytes() == before);
-}
-
-TEST_F(VeskDbTool, AMisusedCommandLineShowsTheUsage) {
-  for (const char* args :
-       {"", "import", "frobnicate x.json", "import a.json b.json", "import --bogus a.json"}) {
-    EXPECT_EQ(Run(args), 1) << args;
-    EXPECT_NE(err_.find("usage: vesk-db"), std::string::npos) << args;
-    EXPECT_EQ(out_, "") << args;
-  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "gen/spice_gen.h"
 
@@ -37,11 +38,12 @@ class ConfigFileTest : public ::testing::Test {
   }
 
   // Reads `text` as the file given by -k; returns the result and keeps the printed text.
-  int Read(const std::string& text) {
+  int Read(const std::string& text) { return Read(text, gen_); }
+  int Read(const std::string& text, CSpiceGen& gen) {
     std::ofstream("my.cfg", std::ios::binary) << text;
-    gen_.configFile = "my.cfg";
+    gen.configFile = "my.cfg";
     ::testing::internal::CaptureStdout();
-    int result = gen_.ReadConfigFile();
+    int result = gen.ReadConfigFile();
     printed_ = ::testing::internal::GetCapturedStdout();
     return result;
   }
@@ -51,46 +53,25 @@ class ConfigFileTest : public ::testing::Test {
   fs::path root_, old_;
 };
 
-TEST_F(ConfigFileTest, CommentsOnlyKeepTheDefaults) {
-  EXPECT_EQ(Read("| a comment\n|STRIP_CHARS #\n\n"), 0);
-  EXPECT_EQ(printed_, "");
-  EXPECT_EQ(gen_.stripChars, "@");
-  EXPECT_EQ(gen_.uParNames, kUDefaults);
-  EXPECT_EQ(gen_.pParNames, kPDefaults);
-}
-
 TEST_F(ConfigFileTest, NextWordAndRestOfLineForms) {
-  EXPECT_EQ(Read("STRIP_CHARS #$ extra\r\nCOMMANDS .TRAN  .PARAM\r\nELEMENTS\r\n"
-                 "AD ad  x\nAS as\nPS ps\nPD pd\nNRD nrd\nNRS nrs\nSTRIP COMMENTS UNITS\n"
+  EXPECT_EQ(Read("| a comment\n|STRIP_CHARS #\n\nCOMMANDS .TRAN  .PARAM\r\nELEMENTS\r\n"
+                 "AD ad  x\nAS as\nNRD nrd\nSTRIP COMMENTS UNITS\n"
                  "STRIP_COMS ;\nCONTINUE ++ x\nBREAKSTRING x\n"),
             0);
-  EXPECT_EQ(gen_.stripChars, "#$");
+  EXPECT_EQ(printed_, "");
+  EXPECT_EQ(gen_.stripChars, "@");
   EXPECT_EQ(gen_.commands, ".TRAN  .PARAM");
   EXPECT_EQ(gen_.elements, "");
   EXPECT_EQ(gen_.adName, "ad  x");
   EXPECT_EQ(gen_.asName, "as");
-  EXPECT_EQ(gen_.psName, "ps");
-  EXPECT_EQ(gen_.pdName, "pd");
   EXPECT_EQ(gen_.nrdName, "nrd");
-  EXPECT_EQ(gen_.nrsName, "nrs");
   EXPECT_EQ(gen_.stripWords, "COMMENTS UNITS");
   EXPECT_EQ(gen_.stripComs, ";");
   EXPECT_EQ(gen_.continueString, "++");
   EXPECT_EQ(gen_.breakString, "x ");
-}
-
-TEST_F(ConfigFileTest, NumbersAreReadByAtoi) {
-  EXPECT_EQ(Read("CALC_AREA 2\nCALC_RES 3x\nWL_SPLIT 1\nCSDF\nNOSLASH 1\nSUFFIX2EE 1\n"
-                 "NOEQUATION 1\nNOQUOTES 1\nLINELENGHT 80\nACCURACY abc\n"),
-            0);
-  EXPECT_EQ(gen_.calcArea, 2);
+  EXPECT_EQ(Read("CALC_RES 3x\nCSDF\nLINELENGHT 80\nACCURACY abc\n"), 0);  // numbers are read by atoi
   EXPECT_EQ(gen_.calcRes, 3);
-  EXPECT_EQ(gen_.wlSplit, 1);
   EXPECT_EQ(gen_.csdf, 0);
-  EXPECT_EQ(gen_.noSlash, 1);
-  EXPECT_EQ(gen_.suffix2ee, 1);
-  EXPECT_EQ(gen_.noEquation, 1);
-  EXPECT_EQ(gen_.noQuotes, 1);
   EXPECT_EQ(gen_.lineLength, 80);
   EXPECT_EQ(gen_.accuracy, 0);
 }
@@ -99,10 +80,7 @@ TEST_F(ConfigFileTest, KeysAreExactAndLaterLinesWin) {
   EXPECT_EQ(Read("elements R\nELEMENTS R C\n   ELEMENTS   M\n |ELEMENTS X\nADD ELEMENTS Q\nELEMENTSX Y\n"),
             0);
   EXPECT_EQ(gen_.elements, "M");
-}
-
-TEST_F(ConfigFileTest, LeadingBlanksKeepTheRestOfLineBehindTheKey) {
-  EXPECT_EQ(Read("  COMMANDS  .OP\n"), 0);
+  EXPECT_EQ(Read("  COMMANDS  .OP\n"), 0);  // leading blanks keep the rest of the line behind the key
   EXPECT_EQ(gen_.commands, " .OP");
 }
 
@@ -112,41 +90,30 @@ TEST_F(ConfigFileTest, NameFamilyPairsWithTheNextLine) {
   EXPECT_EQ(gen_.nameMap["VDD1"], "VDD");
   EXPECT_EQ(gen_.nameMap[""], "A");  // VCC had no partner, nor A
   EXPECT_EQ(gen_.nameMap.size(), 3u);
-}
-
-TEST_F(ConfigFileTest, NameSecondLineIsNotReadAsAKey) {
-  EXPECT_EQ(Read("NAME N1\nELEMENTS N2\n"), 0);
+  EXPECT_EQ(Read("NAME N1\nELEMENTS N2\n"), 0);  // the second line is not read as a key
   EXPECT_EQ(gen_.elements, "ALL");
   EXPECT_EQ(gen_.nameMap["N2"], "N1");
 }
 
-TEST_F(ConfigFileTest, UnitListGivenAloneKeepsTheOtherDefault) {
-  EXPECT_EQ(Read("UPARNAMS M L\n"), 0);
-  EXPECT_EQ(gen_.uParNames, (Names{"M", "L"}));
-  EXPECT_EQ(gen_.pParNames, kPDefaults);
-}
-
-TEST_F(ConfigFileTest, DefaultListLeavesOutWhatTheOtherListHolds) {
-  EXPECT_EQ(Read("PPARNAMS  L W \n"), 0);
-  Names withoutLW = kUDefaults;
-  withoutLW.erase("L");
-  withoutLW.erase("W");
-  EXPECT_EQ(gen_.uParNames, withoutLW);
-  EXPECT_EQ(gen_.pParNames, (Names{"L", "W"}));
-}
-
-TEST_F(ConfigFileTest, PresentEmptyListLeavesItsSetEmpty) {
-  EXPECT_EQ(Read("UPARNAMS\nPPARNAMS m\tl\n"), 0);
-  EXPECT_TRUE(gen_.uParNames.empty());
-  EXPECT_EQ(gen_.pParNames, (Names{"m", "l"}));
-}
-
-TEST_F(ConfigFileTest, DefaultsDoNotConflictWithAGivenList) {
-  EXPECT_EQ(Read("UPARNAMS AS W\n"), 0);
-  EXPECT_EQ(printed_, "");
-  Names withoutAS = kPDefaults;
-  withoutAS.erase("AS");
-  EXPECT_EQ(gen_.pParNames, withoutAS);
+// A list given alone keeps the other default without the names it holds; a present empty list
+// leaves its set empty.
+TEST_F(ConfigFileTest, UnitNameSets) {
+  Names uWithoutLW = kUDefaults, pWithoutAS = kPDefaults;
+  uWithoutLW.erase("L");
+  uWithoutLW.erase("W");
+  pWithoutAS.erase("AS");
+  const std::tuple<const char*, Names, Names> cases[] = {
+      {"| nothing\n", kUDefaults, kPDefaults},      {"UPARNAMS M L\n", {"M", "L"}, kPDefaults},
+      {"PPARNAMS  L W \n", uWithoutLW, {"L", "W"}}, {"UPARNAMS\nPPARNAMS m\tl\n", {}, {"m", "l"}},
+      {"UPARNAMS AS W\n", {"AS", "W"}, pWithoutAS},
+  };
+  for (const auto& [text, u, p] : cases) {
+    CSpiceGen gen;
+    EXPECT_EQ(Read(text, gen), 0) << text;
+    EXPECT_EQ(printed_, "") << text;
+    EXPECT_EQ(gen.uParNames, u) << text;
+    EXPECT_EQ(gen.pParNames, p) << text;
+  }
 }
 
 }  // namespace

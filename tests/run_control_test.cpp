@@ -1,9 +1,9 @@
-// The whole program's run control: help, missing inputs, exit codes, deck naming, ini file.
+// The whole program's run control: help, exit codes, configuration errors, deck naming, ini file, -x.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
+#include <map>
 #include <string>
+#include <tuple>
 
 #include "tests/deck_harness.h"
 
@@ -91,30 +91,25 @@ VeskInput NoConfig() {
   return input;
 }
 
-TEST(HelpTest, NoArgumentsPrintTheUsage) {
-  VeskRun run = RunVesk(kDesign, "");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, kUsage);
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-}
-
-TEST(HelpTest, HelpSwitchesAnywhereAnswerBeforeTheDatabase) {
-  for (const char* args : {"-? mydesign", "mydesign -help", "-helpme", "-n -?x mydesign"}) {
+// Help switches anywhere answer before the database is opened; switches alone name no group;
+// an unknown group (group names are case-sensitive) is reported twice, ahead of a missing
+// configuration. None of them writes a deck.
+TEST(HelpTest, MessagesOfRunsThatWriteNoDeck) {
+  const std::pair<const char*, std::string> cases[] = {
+      {"", kUsage},
+      {"-? mydesign", kUsage},
+      {"mydesign -help", kUsage},
+      {"-helpme", kUsage},
+      {"-n -?x mydesign", kUsage},
+      {"-n -h", "Database Required\n"},
+      {"MyDesign", "Testbench does not exist \nTestbench does not exist \n"},
+  };
+  for (const auto& [args, output] : cases) {
     VeskRun run = RunVesk(kDesign, args);
     EXPECT_EQ(run.rc, 0) << args;
-    EXPECT_EQ(run.output, kUsage) << args;
+    EXPECT_EQ(run.output, output) << args;
     EXPECT_FALSE(run.Exists("TOP.cir")) << args;
   }
-}
-
-TEST(HelpTest, SwitchesAloneAreNoGroup) {
-  VeskRun run = RunVesk(kDesign, "-n -h");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, "Database Required\n");
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-}
-
-TEST(DesignErrorTest, UnknownGroupIsReportedTwiceAndHidesAConfigError) {
   VeskRun run = RunVesk(kDesign, "-x NOPE", NoConfig());
   EXPECT_EQ(run.rc, 0);
   EXPECT_EQ(run.output, "Testbench does not exist \nTestbench does not exist \n");
@@ -123,111 +118,74 @@ TEST(DesignErrorTest, UnknownGroupIsReportedTwiceAndHidesAConfigError) {
   EXPECT_FALSE(run.Exists("NOPE.xrf"));
 }
 
-TEST(DesignErrorTest, GroupNamesAreCaseSensitive) {
-  VeskRun run = RunVesk(kDesign, "MyDesign");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, "Testbench does not exist \nTestbench does not exist \n");
-}
-
-TEST(DesignErrorTest, MissingDatabaseEndsQuietlyWithoutDeck) {
-  VeskRun run = RunVesk("", "mydesign");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output.rfind("Couldn't Open TESSEL DataBase\n", 0), 0u) << run.output;
-  EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 2) << run.output;
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-}
-
-TEST(DesignErrorTest, CorruptDatabaseIsNoCrash) {
-  VeskInput input;
-  input.files["database/placeholder"] = "";
-  VeskRun run = RunVesk("", "mydesign", input);
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output.rfind("Couldn't Open TESSEL DataBase\n", 0), 0u) << run.output;
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-
-  // A database whose files hold garbage.
-  VeskRun imported = RunVesk(kDesign, "mydesign", NoConfig());
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(imported.folder + "/database")) {
-    if (!entry.is_regular_file()) continue;
-    std::filesystem::resize_file(entry.path(), 0);
-    std::filesystem::resize_file(entry.path(), 4096);
+// A missing configuration, the default or the one -k names, and a name in both unit lists end
+// the run with code 1 before any file is written.
+TEST(ConfigErrorTest, ConfigurationErrorsEndWithCodeOneAndNoFiles) {
+  VeskInput both;
+  both.config = "UPARNAMS M L W AD\r\nPPARNAMS AS AD W\r\n";
+  const std::tuple<const char*, VeskInput, std::string> cases[] = {
+      {"-x mydesign", NoConfig(), "Error: No Configuration File Found \n"},
+      {"-kother.cfg mydesign", VeskInput(), "Error: No Configuration File Found \n"},
+      {"mydesign", both,
+       "Error: The same attribute is listed in both UPARNAMS and PPARNAMS keys in configuration "
+       "file:\nAD\nW\n"},
+  };
+  for (const auto& [args, input, output] : cases) {
+    VeskRun run = RunVesk(kDesign, args, input);
+    EXPECT_EQ(run.rc, 1) << args;
+    EXPECT_EQ(run.output, output) << args;
+    EXPECT_FALSE(run.Exists("TOP.cir")) << args;
+    EXPECT_FALSE(run.Exists("mydesign.xrf")) << args;
   }
-  std::string output, errors;
-  int rc =
-      RunProgram(BinaryDir() + "/vesk", "mydesign", imported.folder, {{"GALT_HOME", "galt"}}, output, errors);
-  EXPECT_EQ(rc, 0) << output << errors;
-  EXPECT_NE(output.find("Couldn't Open TESSEL DataBase\n"), std::string::npos) << output;
-  EXPECT_FALSE(imported.Exists("TOP.cir"));
-}
-
-TEST(ConfigErrorTest, MissingConfigurationEndsWithCodeOneAndNoFiles) {
-  VeskRun run = RunVesk(kDesign, "-x mydesign", NoConfig());
-  EXPECT_EQ(run.rc, 1);
-  EXPECT_EQ(run.output, "Error: No Configuration File Found \n");
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-  EXPECT_FALSE(run.Exists("mydesign.xrf"));
-}
-
-TEST(ConfigErrorTest, ConfigurationPathFromSwitchReplacesTheDefault) {
   VeskInput input = NoConfig();
   input.files["my.cfg"] = "| nothing to change\r\n";
   VeskRun run = RunVesk(kDesign, "-kmy.cfg mydesign", input);
   EXPECT_EQ(run.rc, 0);
   EXPECT_EQ(run.deck, FlatDeck("-kmy.cfg mydesign", "my.cfg"));
-  VeskRun missing = RunVesk(kDesign, "-kother.cfg mydesign");
-  EXPECT_EQ(missing.rc, 1);
-  EXPECT_EQ(missing.output, "Error: No Configuration File Found \n");
 }
 
-TEST(ConfigErrorTest, NameInBothUnitListsEndsWithCodeOne) {
-  VeskInput input;
-  input.config = "UPARNAMS M L W AD\r\nPPARNAMS AS AD W\r\n";
-  VeskRun run = RunVesk(kDesign, "mydesign", input);
-  EXPECT_EQ(run.rc, 1);
-  EXPECT_EQ(run.output,
-            "Error: The same attribute is listed in both UPARNAMS and PPARNAMS keys in configuration file:\n"
-            "AD\nW\n");
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-}
-
-TEST(DeckNameTest, DefaultDeckIsNamedAfterTheRootBlock) {
-  VeskRun run = RunVesk(kDesign, "mydesign");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, "");
-  EXPECT_EQ(run.deck, FlatDeck("mydesign"));
-}
-
-TEST(DeckNameTest, NameAndExtensionSwitches) {
-  VeskInput input;
-  input.deckPath = "out.net";
-  VeskRun run = RunVesk(kDesign, "-!out -.net mydesign", input);
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.deck, FlatDeck("-!out -.net mydesign"));
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-}
-
-TEST(DeckNameTest, OutputFolderIsCreatedTwoLevelsDeep) {
-  VeskInput input;
-  input.deckPath = "decks/spice/out.cir";
-  VeskRun run = RunVesk(kDesign, "-%decks\\spice -!out mydesign", input);
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.deck, FlatDeck("-%decks\\spice -!out mydesign"));
-}
-
-TEST(DeckNameTest, KelpoDeckLiesInTheGenhdlFolder) {
-  VeskRun run = RunVesk(kDesign, "-_ mydesign");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_TRUE(run.Exists("genhdl/TOP/TOP.cir"));
-  EXPECT_FALSE(run.Exists("TOP.cir"));
-}
-
-TEST(DeckNameTest, CrossReferenceSideFileIsNamedAfterTheGroup) {
-  VeskRun run = RunVesk(kDesign, "-x mydesign");
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.Read("mydesign.xrf"), "V 2 0 0\n");
-  EXPECT_EQ(run.deck, FlatDeck("-x mydesign"));
-  VeskRun without = RunVesk(kDesign, "-r mydesign");
-  EXPECT_FALSE(without.Exists("mydesign.xrf"));
+// Where the deck goes: named after the root block unless -! and -. say otherwise, in the folder
+// -% names, or as the ini file found here, in WDIR's folders or their "latest" folders says;
+// the command line overrides the ini file, which is read up to 512 bytes and whose switches
+// stay out of the options line. Level names do not reach the database.
+TEST(DeckNameTest, DeckPathFromSwitchesAndIniFile) {
+  struct Case {
+    const char* args;
+    std::map<std::string, std::string> files;
+    const char* wdir;
+    const char* deckPath;
+  };
+  const Case cases[] = {
+      {"mydesign", {}, "", "TOP.cir"},
+      {"mydesign top sub", {}, "", "TOP.cir"},
+      {"-!out -.net mydesign", {}, "", "out.net"},
+      {"-%decks\\spice -!out mydesign", {}, "", "decks/spice/out.cir"},
+      {"mydesign", {{"vesk.ini", "-!fromini\n-q"}}, "", "fromini\n-q.cir"},
+      {"-!TOP -d mydesign", {{"vesk.ini", "-!fromini -q\n"}}, "", "TOP.cir"},
+      {"mydesign",
+       {{"vesk.ini", std::string(500, ' ') + "-!TOP -.cir -q"}},
+       "",
+       "TOP.cir"},  // "-q" lies behind the cut
+      {"mydesign",
+       {{"ini2/vesk.ini", "-!second"}, {"ini1/latest/vesk.ini", "-!first"}},
+       "missing;ini1;ini2",
+       "first.cir"},
+      {"mydesign",
+       {{"ini2/vesk.ini", "-!second"}, {"ini1/latest/vesk.ini", "-!first"}, {"latest/vesk.ini", "-!latest"}},
+       "missing;ini1;ini2",
+       "latest.cir"},
+  };
+  for (const Case& c : cases) {
+    VeskInput input;
+    input.files = c.files;
+    if (*c.wdir) input.env["WDIR"] = c.wdir;
+    input.deckPath = c.deckPath;
+    VeskRun run = RunVesk(kDesign, c.args, input);
+    EXPECT_EQ(run.rc, 0) << c.args << " " << c.deckPath;
+    EXPECT_EQ(run.output, "") << c.args << " " << c.deckPath;
+    EXPECT_EQ(run.deck, FlatDeck(c.args)) << c.args << " " << c.deckPath;
+    if (std::string(c.deckPath) != "TOP.cir") EXPECT_FALSE(run.Exists("TOP.cir")) << c.deckPath;
+  }
 }
 
 TEST(IniFileTest, IniSwitchesApplyButStayOutOfTheOptionsLine) {
@@ -238,53 +196,19 @@ TEST(IniFileTest, IniSwitchesApplyButStayOutOfTheOptionsLine) {
   EXPECT_EQ(run.rc, 0);
   EXPECT_NE(run.deck.find("* Options   :  mydesign\n"), std::string::npos) << run.deck;
   EXPECT_EQ(run.deck.find("* Dictionary"), std::string::npos) << run.deck;
-}
-
-TEST(IniFileTest, LineEndInsideAnIniValueBelongsToIt) {
-  VeskInput input;
-  input.files["vesk.ini"] = "-!fromini\n-q";
-  input.deckPath = "fromini\n-q.cir";
-  VeskRun run = RunVesk(kDesign, "mydesign", input);
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.deck, FlatDeck("mydesign"));
-}
-
-TEST(IniFileTest, CommandLineOverridesTheIniFile) {
-  VeskInput input;
-  input.files["vesk.ini"] = "-!fromini -q\n";
-  VeskRun run = RunVesk(kDesign, "-!TOP -d mydesign", input);
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.deck, FlatDeck("-!TOP -d mydesign"));
-}
-
-TEST(IniFileTest, IniIsCutAtFiveHundredTwelveBytes) {
-  VeskInput input;
-  input.files["vesk.ini"] = std::string(500, ' ') + "-!TOP -.cir -q";  // "-q" lies behind the cut
-  VeskRun cut = RunVesk(kDesign, "mydesign", input);
-  EXPECT_EQ(cut.deck, FlatDeck("mydesign"));
   input.files["vesk.ini"] = std::string(498, ' ') + "-!TOP -.cir -q";
+  input.deckPath = "TOP.cir";
   VeskRun whole = RunVesk(kDesign, "mydesign", input);
   EXPECT_EQ(whole.deck.find("* Dictionary"), std::string::npos) << whole.deck;
 }
 
-TEST(IniFileTest, IniIsFoundThroughWdir) {
-  VeskInput input;
-  input.files["ini2/vesk.ini"] = "-!second";
-  input.files["ini1/latest/vesk.ini"] = "-!first";
-  input.env["WDIR"] = "missing;ini1;ini2";
-  input.deckPath = "first.cir";
-  VeskRun run = RunVesk(kDesign, "mydesign", input);
-  EXPECT_EQ(run.deck, FlatDeck("mydesign"));
-  input.files["latest/vesk.ini"] = "-!latest";
-  input.deckPath = "latest.cir";
-  VeskRun local = RunVesk(kDesign, "mydesign", input);
-  EXPECT_EQ(local.deck, FlatDeck("mydesign"));
-}
-
-TEST(LevelTest, LevelNamesDoNotReachTheDatabase) {
-  VeskRun run = RunVesk(kDesign, "mydesign top sub");
+TEST(DeckNameTest, CrossReferenceSideFileIsNamedAfterTheGroup) {
+  VeskRun run = RunVesk(kDesign, "-x mydesign");
   EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.deck, FlatDeck("mydesign top sub"));
+  EXPECT_EQ(run.Read("mydesign.xrf"), "V 2 0 0\n");
+  EXPECT_EQ(run.deck, FlatDeck("-x mydesign"));
+  VeskRun without = RunVesk(kDesign, "-r mydesign");
+  EXPECT_FALSE(without.Exists("mydesign.xrf"));
 }
 
 }  // namespace

@@ -128,21 +128,4 @@ TEST(DeckDevicesTest, InstanceWidthLengthSplitAndStrippedUnits) {
                           kDictionary + "*.END\n");
 }
 
-// NOQUOTES: no value is quoted, in HSPICE no PARAMS: either; units are still added.
-TEST(DeckDevicesTest, HspiceWithoutQuotes) {
-  const std::string args = "-m -z -ghdr.inc TOP";
-  VeskRun run =
-      RunWith(args,
-              "X1 A B SUB Wl1=2/3\nM1 D G S B NCH L=1U W=10u WL=1/2\nM2 D G S B NCH L=1 W=LX VT=VTH0\n"
-              "X2 A B SUB PARAMS: G=A+B\n",
-              "NOQUOTES 1\n");
-  EXPECT_EQ(run.deck, Head(args) +
-                          "X1 A B SUB Wl1=2/3\n"
-                          "M1 D G S B NCH L=1U W=10u WL=1/2\n"
-                          "M2 D G S B NCH L=1U W=LX VT=VTH0\n"
-                          "X2 A B SUB G=A+B\n"
-                          "M9 1 2 0 0 NCH L=1000.000000N W=VW\n" +
-                          kDictionary + ".OPTIONS INGOLD=2 CSDF=2\n*.END\n");
-}
-
 }  // namespace

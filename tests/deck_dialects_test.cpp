@@ -7,40 +7,23 @@
 #include "tests/deck_harness.h"
 
 using deckexpect::Head;
+using deckexpect::Part;
 
 namespace {
 
 // TOP: a source, an instance X1 of block AMP with a parameter, and a load; GND is global.
 // AMP: R1 from IN to OUT and C1 from OUT to GND.
-const char* const kDesign = R"({
-  "symbols": {
-    "RES.1":  { "ORDER": "VALUE$" },
-    "CAP.1":  { "ORDER": "VALUE$" },
-    "VSRC.1": { "ORDER": "\"dc\" VALUE$" }
-  },
-  "blocks": [
-    { "name": "TOP",
-      "nets": [ { "label": "GND", "global": true } ],
-      "components": [
-        { "label": "V1", "name": "VSRC.1", "attributes": { "VALUE": "5" },
-          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
-        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP",
-          "attributes": { "ORDER": "GAIN=", "GAIN": "2" },
-          "pins": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ] },
-        { "label": "RL", "name": "RES.1", "attributes": { "VALUE": "10K" },
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
-      ] },
-    { "name": "AMP",
-      "ports": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ],
-      "nets": [ { "label": "GND", "global": true } ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "C1", "name": "CAP.1", "attributes": { "VALUE": "2P" },
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
-      ] }
-  ]
-})";
+const std::string kDesign =
+    R"({ "symbols": { "RES.1": { "ORDER": "VALUE$" }, "CAP.1": { "ORDER": "VALUE$" }, "VSRC.1": { "ORDER": "\"dc\" VALUE$" } },
+      "blocks": [ { "name": "TOP", "nets": [ { "label": "GND", "global": true } ], "components": [ )" +
+    Part("V1", "VSRC.1", R"("VALUE": "5")", "P=IN N=GND") + ", " +
+    Part("X1", "AMP.1", "", "IN=IN OUT=OUT",
+         R"("type": 2, "child": "AMP", "attributes": { "ORDER": "GAIN=", "GAIN": "2" })") +
+    ", " + Part("RL", "RES.1", R"("VALUE": "10K")", "A=OUT B=GND") +
+    R"( ] }, { "name": "AMP", "ports": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ],
+      "nets": [ { "label": "GND", "global": true } ], "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "1K")", "A=IN B=OUT") + ", " +
+    Part("C1", "CAP.1", R"("VALUE": "2P")", "A=OUT B=GND") + " ] } ] }";
 
 // The definition of AMP with node numbers, after the probe pass has taken out its blank lines.
 const char kNumberedDefinition[] =
@@ -103,15 +86,6 @@ TEST(DeckDialects, BerkeleyHierarchicalInstanceHasNoBody) {
                           "\n");
 }
 
-TEST(DeckDialects, BerkeleyInstanceBodyWithCompositeOrderOrAnalogDependencies) {
-  std::string design = kDesign;
-  design.replace(design.find(R"("GAIN": "2")"), 11, R"("GAIN": "2", "COMPOSITE_ORDER": "X")");
-  VeskRun composite = RunVesk(design, "-s -h TOP");
-  EXPECT_NE(composite.deck.find("\nX1 1 2 AMP GAIN=2.000000\n"), std::string::npos) << composite.deck;
-  VeskRun analog = RunVesk(kDesign, "-s -h -9 TOP");
-  EXPECT_NE(analog.deck.find("\nX1 1 2 AMP PARAMS: GAIN=2.000000\n"), std::string::npos) << analog.deck;
-}
-
 TEST(DeckDialects, DraculaHierarchicalMakesTheRootTheLastDefinition) {
   VeskRun run = RunVesk(kDesign, "-e -h TOP");
   ASSERT_EQ(run.rc, 0) << run.output;
@@ -156,31 +130,28 @@ const char kNumberedFlatLines[] =
     "* IN = 1\n"
     "\n";
 
-TEST(DeckDialects, PspiceFlat) {
-  VeskRun run = RunVesk(kDesign, "TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  EXPECT_EQ(run.deck, Head("TOP") + kNumberedFlatLines + "*.END\n");
-}
-
-TEST(DeckDialects, HspiceFlat) {
-  VeskRun run = RunVesk(kDesign, "-m TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  EXPECT_EQ(run.deck, Head("-m TOP") + kNumberedFlatLines +
-                          "*Globals\n"
-                          ".global 0\n"
-                          "\n"
-                          ".OPTIONS INGOLD=2 CSDF=2\n"
-                          "*.END\n");
-}
-
-TEST(DeckDialects, BerkeleyFlat) {
-  VeskRun run = RunVesk(kDesign, "-s TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  EXPECT_EQ(run.deck, Head("-s TOP") + kNumberedFlatLines +
-                          "*Globals\n"
-                          ".global 0\n"
-                          "\n"
-                          "*.END\n");
+// Pspice ends with the end mark alone, HSPICE puts its globals and options ahead of it,
+// Berkeley its globals.
+TEST(DeckDialects, FlatDeckEndsOfPspiceHspiceAndBerkeley) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"TOP", "*.END\n"},
+      {"-m TOP",
+       "*Globals\n"
+       ".global 0\n"
+       "\n"
+       ".OPTIONS INGOLD=2 CSDF=2\n"
+       "*.END\n"},
+      {"-s TOP",
+       "*Globals\n"
+       ".global 0\n"
+       "\n"
+       "*.END\n"},
+  };
+  for (const auto& [args, end] : cases) {
+    VeskRun run = RunVesk(kDesign, args);
+    ASSERT_EQ(run.rc, 0) << run.output;
+    EXPECT_EQ(run.deck, Head(args) + kNumberedFlatLines + end) << args;
+  }
 }
 
 TEST(DeckDialects, DraculaFlatMakesTheRootTheOnlyDefinition) {
@@ -201,13 +172,6 @@ TEST(DeckDialects, DraculaFlatMakesTheRootTheOnlyDefinition) {
                           "\n"
                           "* Dictionary 0\n"
                           "\n");
-}
-
-TEST(DeckDialects, PspiceSwitchAfterDraculaIsIgnoredWithAMessage) {
-  VeskRun run = RunVesk(kDesign, "-e -p TOP");
-  ASSERT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, "Ignoring -p switch since wirelisting to Dracula III ... \n");
-  EXPECT_NE(run.deck.find("\n.SUBCKT TOP\n"), std::string::npos) << run.deck;
 }
 
 TEST(DeckDialects, QuietDeckHasNoDictionaryInAnyDialect) {

@@ -86,28 +86,6 @@ TEST(DeckIncludes, NoModelFileIsReadUnderZ) {
   EXPECT_EQ(run.output, "");
 }
 
-// A resistor with a model between two nets, neither of them ground.
-std::string UngroundedDesign() {
-  return TopDesign(R"({ "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "MODEL": "RM" },
-      "definition": { "ORDER": "VALUE$ MODEL=" },
-      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ] })");
-}
-
-TEST(DeckIncludes, GroundWarningIsEndedByTheIncludesOrSharesItsLineWithTheEndMark) {
-  VeskInput input;
-  input.files = {{"sym/RM.mod", ".MODEL RM RES(R=1)\n"}};
-  const std::string lines = "R1 1 2 1000.000000 MODEL=RM\n* Dictionary 2\n* B=2\n* A=1\n";
-  VeskRun run = RunVesk(UngroundedDesign(), "TOP", input);
-  EXPECT_EQ(run.deck, Head("TOP") + lines +
-                          "*Warning : No ground node (Label a net GND)\n"
-                          ".include \"..\\..\\sym\\RM.mod\"\n"
-                          "\n"
-                          "*.END\n");
-  EXPECT_EQ(run.output, "*Warning : No ground node (Label a net GND)\n");
-  VeskRun bare = RunVesk(UngroundedDesign(), "-z TOP", input);
-  EXPECT_EQ(bare.deck, Head("-z TOP") + lines + "*Warning : No ground node (Label a net GND)*.END\n");
-}
-
 // One resistor from IN to GND.
 std::string DividerDesign() {
   return TopDesign(R"({ "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
@@ -130,13 +108,6 @@ TEST(DeckIncludes, HeaderFileIsCopiedBehindTheCommentBlock) {
                           ".TEMP 27\n" +
                           kDividerLines);
   EXPECT_EQ(run.output, "");
-}
-
-TEST(DeckIncludes, MissingHeaderFileIsWarnedOnTheConsoleOnly) {
-  VeskRun run = RunVesk(DividerDesign(), "-gnothere.txt TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  EXPECT_EQ(run.deck, Head("-gnothere.txt TOP") + kDividerLines);
-  EXPECT_EQ(run.output, "Warning: No Header File Found \n");
 }
 
 // Three global nets, each under a resistor to ground.

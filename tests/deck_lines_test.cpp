@@ -92,26 +92,6 @@ TEST(DeckLines, ValueTokensDefaultToZeroWithANoteAndDistributionFillsInTheValue)
             "*Warning: No value for R4. Defaulting to 0\n");
 }
 
-TEST(DeckLines, NamedParametersAndKeywordsNeedTheirAttributes) {
-  std::string design = TopDesign(
-      Comp("R1", "RES.1", R"("VALUE": "1K", "TC": "2", "TC2": "@K*2", "M": "2")",
-           R"("ORDER": "VALUE$ TC= TC2=$ TC3= IC M")", Pins("IN", "GND")) +
-      ", " +
-      Comp("R2", "RES.1", R"("VALUE": "1K", "TC": " ")", R"("ORDER": "VALUE$ TC=")", Pins("IN", "GND")));
-  VeskRun run = RunVesk(design, "TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  // TC2 does not evaluate and is braced; the post-process pass removes its "@". The keyword M
-  // takes the unit U by its name.
-  EXPECT_EQ(run.deck, Head("TOP") +
-                          "R1 1 0 1000.000000 TC=2.000000 TC2={K*2} M 2.000000U\n"
-                          "R2 1 0 1000.000000\n"
-                          "* Dictionary 2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
-}
-
 TEST(DeckLines, PinTokensWriteNodesBehindThePinOrder) {
   const std::string pins = Pins("OUT", "GND", "P", "N") + R"(, { "name": "CP", "net": "IN" })";
   std::string design = TopDesign(

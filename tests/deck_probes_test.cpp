@@ -10,46 +10,24 @@
 namespace {
 
 using deckexpect::Head;
+using deckexpect::Part;
 
 // TOP places AMP twice and probes OUT; AMP senses the current of R1, probes MID and
 // places BUF, which probes Q. Hierarchical instances carry an (empty) ORDER.
-const char* const kDesign = R"({
-  "symbols": {
-    "RES.1":  { "PREFIX": "R", "ORDER": "VALUE$" },
-    "VSRC.1": { "PREFIX": "V", "ORDER": "\"DC\" VALUE$" }
-  },
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "V1", "name": "VSRC.1", "attributes": { "VALUE": "5" },
-          "pins": [ { "name": "P", "net": "IN" }, { "name": "N", "net": "GND" } ] },
-        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "ORDER": "" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "X2", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "ORDER": "" },
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] },
-        { "label": "P1", "name": "VPROBE.1", "attributes": { "PROBE": "V" },
-          "pins": [ { "name": "A", "net": "OUT" } ] }
-      ] },
-    { "name": "AMP",
-      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "MID" } ] },
-        { "label": "X3", "name": "BUF.1", "type": 2, "child": "BUF", "attributes": { "ORDER": "" },
-          "pins": [ { "name": "P", "net": "MID" }, { "name": "Q", "net": "B" } ] },
-        { "label": "P2", "name": "VPROBE.1", "attributes": { "PROBE": "V" },
-          "pins": [ { "name": "A", "net": "MID" } ] }
-      ] },
-    { "name": "BUF",
-      "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
-      "components": [
-        { "label": "R9", "name": "RES.1", "attributes": { "VALUE": "2K" },
-          "pins": [ { "name": "A", "net": "P" }, { "name": "B", "net": "Q" } ] },
-        { "label": "P3", "name": "VPROBE.1", "attributes": { "PROBE": "V" },
-          "pins": [ { "name": "A", "net": "Q" } ] }
-      ] }
-  ]
-})";
+const std::string kAmp = R"("type": 2, "child": "AMP", "attributes": { "ORDER": "" })";
+const std::string kDesign =
+    R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" }, "VSRC.1": { "PREFIX": "V", "ORDER": "\"DC\" VALUE$" } },
+      "blocks": [ { "name": "TOP", "components": [ )" +
+    Part("V1", "VSRC.1", R"("VALUE": "5")", "P=IN N=GND") + ", " +
+    Part("X1", "AMP.1", "", "A=IN B=OUT", kAmp) + ", " + Part("X2", "AMP.1", "", "A=OUT B=GND", kAmp) + ", " +
+    Part("P1", "VPROBE.1", R"("PROBE": "V")", "A=OUT") +
+    R"( ] }, { "name": "AMP", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ], "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "1K", "PROBE": "i")", "A=A B=MID") + ", " +
+    Part("X3", "BUF.1", "", "P=MID Q=B", R"("type": 2, "child": "BUF", "attributes": { "ORDER": "" })") +
+    ", " + Part("P2", "VPROBE.1", R"("PROBE": "V")", "A=MID") +
+    R"( ] }, { "name": "BUF", "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ], "components": [ )" +
+    Part("R9", "RES.1", R"("VALUE": "2K")", "A=P B=Q") + ", " +
+    Part("P3", "VPROBE.1", R"("PROBE": "V")", "A=Q") + " ] } ] }";
 
 const char kAcTranHeader[] = ".ac dec 10 1 1k\n.tran 1n 10n\n.probe/csdf V(IN)\n";
 
@@ -110,8 +88,9 @@ TEST(DeckProbesTest, PspicePrintWordWithNumbersAndItems) {
   for (const char* probe :
        {"V(X1.3)", "I(X1.R1)", "V(X1.X3.2)", "V(2)", "V(X2.3)", "I(X2.R1)", "V(X2.X3.2)", "I(V1)"})
     statements += std::string(".PRINT DC ") + probe + "\n.PRINT TRAN " + probe + "\n";
-  EXPECT_EQ(run.deck, Head(args, true) + ".dc V1 0 5 0.1\n.TRAN 1n 10n\n.mc 10 tran V(1) YMAX\n" + kNumberedBody +
-                          "* IN=1\n" + statements + ".PRINT DC V(1)\n.PRINT TRAN  V(1)\n\n*.END\n\n");
+  EXPECT_EQ(run.deck, Head(args, true) + ".dc V1 0 5 0.1\n.TRAN 1n 10n\n.mc 10 tran V(1) YMAX\n" +
+                          kNumberedBody + "* IN=1\n" + statements +
+                          ".PRINT DC V(1)\n.PRINT TRAN  V(1)\n\n*.END\n\n");
 }
 
 // The statements of the HSPICE and Kelpo kinds: decibel and phase under every analysis.
@@ -166,37 +145,6 @@ TEST(DeckProbesTest, AnalogDependenciesKeepOnlyTheCsdfStatements) {
                           ".PROBE/CSDF\n\n*.END\n\n");
 }
 
-TEST(DeckProbesTest, WithoutAnalysisOnlyProbeItemsComeBack) {
-  VeskRun probe = RunWithHeader("-h -ghdr.inc TOP", ".TRAN 1n 10n\n.probe/csdf V(1)\n");
-  EXPECT_EQ(probe.deck, Head("-h -ghdr.inc TOP", true) + ".TRAN 1n 10n\n" + kNumberedBody +
-                            "* IN=1\n.PROBE  V(1)\n\n*.END\n\n");
-  // Under .PRINT an item needs an analysis: nothing but the empty line is written, and
-  // the dictionary's last entry, now ahead of it, keeps its blanks.
-  VeskRun print = RunWithHeader("-h -w -ghdr.inc TOP", ".TRAN 1n 10n\n.probe/csdf V(1)\n");
-  EXPECT_EQ(print.deck,
-            Head("-h -w -ghdr.inc TOP", true) + ".TRAN 1n 10n\n" + kNumberedBody + "* IN = 1\n\n*.END\n\n");
-}
-
-// -i leaves the deck to the post-process pass alone: markers and items stay as comments
-// and dot commands, and the empty lines of the generator are all there.
-TEST(DeckProbesTest, IgnorePrintsKeepsTheMarkers) {
-  const std::string args = "-h -i -n -ghdr.inc TOP";
-  VeskRun run = RunWithHeader(args, kAcTranHeader);
-  EXPECT_EQ(
-      run.deck,
-      "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
-      "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  " +
-          args +
-          "\n* Levels    :\n*\n.ac dec 10 1 1k\n.tran 1n 10n\n.probe/csdf V(IN)\n\n"
-          "*Definition For Project BUF\n.SUBCKT BUF P Q\nR9 P Q 2.000000K\n* voltage probe on node :  Q\n\n"
-          "* CROSS-REFERENCE 0\n\n.ENDS\n\n\n"
-          "*Definition For Project AMP\n.SUBCKT AMP A B\n* next line is a current sense\n"
-          "R1 A MID 1000.000000\nX3 MID B BUF\n* voltage probe on node :  MID\n\n* CROSS-REFERENCE 0\n\n"
-          ".ENDS\n\n"
-          "V1 IN 0 DC 5.000000\nX1 IN OUT AMP\nX2 OUT 0 AMP\n* voltage probe on node :  OUT\n\n"
-          "* Dictionary 1\n* GND = 0\n\n*.END\n");
-}
-
 // Duplicates are told by their full path on the console, subcircuits first; the deck keeps
 // both definitions. A comment inside a model card is lost, its "+" line stays. A .model
 // line without a blank behind its name names the empty model.
@@ -222,31 +170,16 @@ TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
 
 // Initial conditions: one statement per kind, pairs in label order, written at the end of
 // the definition or root whose nets carry them; HSPICE and Berkeley put no brackets.
-const char* const kInitialDesign = R"({
-  "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } },
-  "blocks": [
-    { "name": "TOP",
-      "nets": [
-        { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
-        { "label": "IN",  "attributes": { "NODESET": "5", "GUESS": "4" } }
-      ],
-      "components": [
-        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "ORDER": "" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "OUT" } ] },
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
-          "pins": [ { "name": "A", "net": "OUT" }, { "name": "B", "net": "GND" } ] }
-      ] },
-    { "name": "AMP",
-      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
-      "nets": [ { "label": "MID", "attributes": { "IC": "0" } } ],
-      "components": [
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "B", "net": "MID" } ] },
-        { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "1K" },
-          "pins": [ { "name": "A", "net": "MID" }, { "name": "B", "net": "B" } ] }
-      ] }
-  ]
-})";
+const std::string kInitialDesign =
+    R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } }, "blocks": [ { "name": "TOP",
+      "nets": [ { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
+                { "label": "IN",  "attributes": { "NODESET": "5", "GUESS": "4" } } ], "components": [ )" +
+    Part("X1", "AMP.1", "", "A=IN B=OUT", kAmp) + ", " +
+    Part("R1", "RES.1", R"("VALUE": "1K")", "A=OUT B=GND") +
+    R"( ] }, { "name": "AMP", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+      "nets": [ { "label": "MID", "attributes": { "IC": "0" } } ], "components": [ )" +
+    Part("R1", "RES.1", R"("VALUE": "1K")", "A=A B=MID") + ", " +
+    Part("R2", "RES.1", R"("VALUE": "1K")", "A=MID B=B") + " ] } ] }";
 
 TEST(DeckProbesTest, InitialConditionsInEachDialect) {
   const std::string body =

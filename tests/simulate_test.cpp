@@ -1,12 +1,11 @@
 // Simulates the example divider's decks with ngspice: the decks that vesk writes for Pspice,
-// HSPICE and Berkeley SPICE, flat and hierarchical, must load, give the operating point that the
-// resistors set, and put the capacitor's pole where its node places it.
+// HSPICE and Berkeley SPICE, flat and hierarchical, must load and give the operating point that
+// the resistors set.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cctype>
 #include <cmath>
-#include <complex>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -29,11 +28,6 @@ constexpr double kIn = 10.0;
 constexpr double kMid = 10.0 * 2000.0 / 3000.0;
 constexpr double kOut = 10.0 * 1000.0 / 3000.0;
 constexpr double kSourceCurrent = -10.0 / 3000.0;  // into the source's + terminal
-
-// A small-signal run with 1 V on IN, at the pole of CB with what drives OUT, 2K || 1K.
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kPoleHertz = 1.0 / (2.0 * kPi * (2000.0 * 1000.0 / 3000.0) * 100e-9);
-const char* const kSmallSignalMark = "small-signal-results";
 
 struct Dialect {
   std::string testName;
@@ -124,24 +118,9 @@ std::string NodeOf(const std::map<std::string, std::string>& dictionary, const s
 
 bool MentionsError(const std::string& text) { return Lower(text).find("error") != std::string::npos; }
 
-/// What a copy of the deck gets behind it: the operating point, then, after a mark line, the
-/// magnitudes at MID and OUT with a 1 V small signal on V1 at the pole frequency. ngspice reads
-/// its first line as the title; the closing .end stands in for the deck's comment "*.END".
-std::string ControlSection(const std::string& midNode, const std::string& outNode) {
-  std::ostringstream text;
-  text.precision(12);
-  text << ".control\n"
-       << "op\n"
-       << "print all\n"
-       << "echo " << kSmallSignalMark << "\n"
-       << "alter @v1[acmag] = 1\n"
-       << "ac lin 1 " << kPoleHertz << " " << kPoleHertz << "\n"
-       << "print vm(" << midNode << ") vm(" << outNode << ")\n"
-       << "quit 0\n"
-       << ".endc\n"
-       << ".end\n";
-  return text.str();
-}
+/// What a copy of the deck gets behind it: the operating point. ngspice reads its first line as
+/// the title; the closing .end stands in for the deck's comment "*.END".
+const char kControlSection[] = ".control\nop\nprint all\nquit 0\n.endc\n.end\n";
 
 /// Runs ngspice in `folder` on the deck with `control` behind it, in the compatibility mode
 /// `ngBehavior`, set in .spiceinit there (an empty file keeps a user's own away). The deck the
@@ -176,7 +155,7 @@ void ExpectValues(const std::map<std::string, double>& values, const std::map<st
 
 class SimulateTest : public ::testing::TestWithParam<Dialect> {};
 
-TEST_P(SimulateTest, OperatingPointAndPoleOfTheDivider) {
+TEST_P(SimulateTest, OperatingPointOfTheDivider) {
   std::string ngspice = FindNgspice();
   if (ngspice.empty())
     GTEST_SKIP() << "ngspice is not installed (scripts/setup installs it): decks not simulated";
@@ -204,23 +183,12 @@ TEST_P(SimulateTest, OperatingPointAndPoleOfTheDivider) {
   ASSERT_EQ(distinct.size(), 4u) << "IN, MID, OUT and GND must have nodes of their own:\n" << deck;
 
   std::string output;
-  int rc = Simulate(ngspice, run.folder, deck, ControlSection(mid, out), dialect.ngBehavior, output);
+  int rc = Simulate(ngspice, run.folder, deck, kControlSection, dialect.ngBehavior, output);
   std::string transcript = "deck:\n" + deck + "\nngspice output:\n" + output;
   ASSERT_EQ(rc, 0) << transcript;
   EXPECT_FALSE(MentionsError(output)) << transcript;
-  size_t mark = output.find(kSmallSignalMark);
-  ASSERT_NE(mark, std::string::npos) << transcript;
-
   // Exactly these vectors at the operating point: a stray node would be a wrong connection.
-  ExpectValues(ParsePrintAll(output.substr(0, mark)),
-               {{in, kIn}, {mid, kMid}, {out, kOut}, {"v1#branch", kSourceCurrent}}, transcript);
-
-  // CB must hang at OUT: with Z = RB || CB, OUT = MID * Z / (RA + Z), MID = (RA + Z) / (R1 + RA + Z).
-  std::complex<double> z = 1000.0 / std::complex<double>(1.0, 2.0 * kPi * kPoleHertz * 1000.0 * 100e-9);
-  std::complex<double> midSignal = (1000.0 + z) / (2000.0 + z);
-  std::complex<double> outSignal = midSignal * z / (1000.0 + z);
-  ExpectValues(ParsePrintAll(output.substr(mark)),
-               {{"vm(" + mid + ")", std::abs(midSignal)}, {"vm(" + out + ")", std::abs(outSignal)}},
+  ExpectValues(ParsePrintAll(output), {{in, kIn}, {mid, kMid}, {out, kOut}, {"v1#branch", kSourceCurrent}},
                transcript);
 }
 

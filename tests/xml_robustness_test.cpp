@@ -98,44 +98,9 @@ TEST(XmlRobustnessTest, MalformedDeclarationGivesTheErrorLine) {
   }
 }
 
-TEST(XmlRobustnessTest, MalformedInstanceFileGivesItsErrorLine) {
-  VeskRun run = RunWith(Mapping(), "<Instances><Block Name=\"CNT\">");
-  EXPECT_EQ(run.output, kInstancesError);
-  EXPECT_EQ(run.deck, Deck("YU1 counter GENERIC: WIDTH=\"4\" PORT: CK QO"));
-
-  VeskRun both = RunWith("<Models", "</Instances>");
-  EXPECT_EQ(both.output, std::string(kModelsError) + kInstancesError);
-  EXPECT_EQ(both.deck, Deck(kUnmapped));
-}
-
-// Element names carry no meaning: a document with another root is walked like any other, and
-// without a part of that number it maps nothing, silently.
-TEST(XmlRobustnessTest, OtherRootElementIsNoError) {
-  std::string catalogue = Mapping();
-  catalogue.replace(catalogue.find("<Models>"), 8, "<Catalogue>");
-  catalogue.replace(catalogue.find("</Models>"), 9, "</Catalogue>");
-  VeskRun renamed = RunWith(catalogue);
-  EXPECT_EQ(renamed.output, "");
-  EXPECT_EQ(renamed.deck, Deck(kMapped));
-
-  VeskRun html = RunWith("<html><body><p>no models here</p></body></html>", "<html/>");
-  EXPECT_EQ(html.output, "");
-  EXPECT_EQ(html.deck, Deck(kUnmapped));
-}
-
-// An attribute value beyond the parser's limit makes the file unreadable; a large one within it
-// is read as usual. Nesting far beyond any design is refused in the same way.
-TEST(XmlRobustnessTest, HugeAttributeAndDeepNesting) {
+// Nesting far beyond any design makes the file unreadable instead of exhausting the stack.
+TEST(XmlRobustnessTest, DeepNesting) {
   auto start = std::chrono::steady_clock::now();
-  const std::string huge(12 * 1000 * 1000, 'a');
-  VeskRun tooLong = RunWith(Mapping("", "<Info Name=\"" + huge + "\"/>"));
-  EXPECT_EQ(tooLong.output, kModelsError);
-  EXPECT_EQ(tooLong.deck, Deck("YU1 counter GENERIC: WIDTH=\"32\" PORT: 0 CK QO"));
-
-  VeskRun large = RunWith(Mapping("", "<Info Name=\"" + std::string(1000 * 1000, 'b') + "\"/>"));
-  EXPECT_EQ(large.output, "");
-  EXPECT_EQ(large.deck, Deck(kMapped));
-
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<d>";
   VeskRun nested = RunWith(Mapping("", deep));

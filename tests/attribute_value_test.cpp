@@ -1,4 +1,5 @@
-// Attribute values as the component lines get them: evaluation, units, references, braces.
+// Attribute values as the component lines get them: which texts are evaluated, engineering
+// form with the unit of the parameter, and quotes around references.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -21,55 +22,47 @@ class AttributeValueTest : public ::testing::Test {
 };
 
 TEST_F(AttributeValueTest, NumbersComeOutInEngineeringNotationWithTheUnitOfTheParameter) {
-  const char* const cases[][3] = {
-      {"VALUE", "1000", "1000.000000"}, {"VALUE", "1000.5", "1.000500K"}, {"VALUE", "1", "1.000000"},
-      {"VALUE", "0.5", "500.000000M"}, {"VALUE", ".5", "500.000000M"}, {"VALUE", "1U", "1000.000000N"},
-      {"VALUE", "0", "0.000000F"}, {"VALUE", "-5", "-5000000000000000.000000F"},
-      {"VALUE", "10K", "10.000000K"}, {"VALUE", "2MEG", "2.000000MEG"}, {"VALUE", "2*1K", "2.000000K"},
-      {"VALUE", "1K*2", "1K*2"},  // a suffix works only in the last operand
-      // Text that is no number stays; only a number-like start is evaluated.
-      {"VALUE", "ABC", "ABC"}, {"VALUE", "1K + 2", "1K + 2"}, {"VALUE", "(1+2)", "(1+2)"},
-      {"VALUE", "1E3", "1E3"}, {"VALUE", "", ""}, {"VALUE", " ", " "}, {"MODEL", "NMOS", "NMOS"},
-      {"L", "10", "10.000000U"}, {"W", "2U", "2.000000U"}, {"AS", "3", "3.000000P"}, {"R", "10", "10.000000"}};
-  for (const auto& [param, value, expected] : cases) EXPECT_EQ(Value(param, value), expected) << param << value;
+  const char* const cases[][3] = {{"VALUE", "1000", "1000.000000"},
+                                  {"VALUE", "1000.5", "1.000500K"},
+                                  {"VALUE", "1", "1.000000"},
+                                  {"VALUE", "0.5", "500.000000M"},
+                                  {"VALUE", ".5", "500.000000M"},
+                                  {"VALUE", "1U", "1000.000000N"},
+                                  {"VALUE", "0", "0.000000F"},
+                                  {"VALUE", "-5", "-5000000000000000.000000F"},
+                                  {"VALUE", "10K", "10.000000K"},
+                                  {"VALUE", "2MEG", "2.000000MEG"},
+                                  {"VALUE", "2*1K", "2.000000K"},
+                                  {"VALUE", "1K*2", "1K*2"},  // a suffix works only in the last operand
+                                  // Text that is no number stays; only a number-like start is evaluated.
+                                  {"VALUE", "ABC", "ABC"},
+                                  {"VALUE", "1K + 2", "1K + 2"},
+                                  {"VALUE", "(1+2)", "(1+2)"},
+                                  {"VALUE", "1E3", "1E3"},
+                                  {"VALUE", "", ""},
+                                  {"VALUE", " ", " "},
+                                  {"MODEL", "NMOS", "NMOS"},
+                                  {"L", "10", "10.000000U"},
+                                  {"W", "2U", "2.000000U"},
+                                  {"AS", "3", "3.000000P"},
+                                  {"R", "10", "10.000000"}};
+  for (const auto& [param, value, expected] : cases)
+    EXPECT_EQ(Value(param, value), expected) << param << value;
   gen_.stripUnits = true;
   EXPECT_EQ(Value("L", "10U"), "10.000000");
 }
 
-TEST_F(AttributeValueTest, ReferencesAreReplacedAndEvaluated) {
+// A quote sticks to its word: the quotes go only after the references are replaced, and a word
+// or already braced text is not braced. Whole decks pin the references of each dialect.
+TEST_F(AttributeValueTest, QuotesAroundReferences) {
   comp_.attrs.Set("@A", "3");
-  comp_.attrs.Set("@B", "4");
-  EXPECT_EQ(Value("VALUE", "@A*2"), "6.000000");
-  EXPECT_EQ(Value("VALUE", "@a*2"), "6.000000");
-  EXPECT_EQ(Value("VALUE", "'@A'*2"), "@A'*2");
-  // The quotes go only after the references are replaced, so a quote sticks to its word.
-  EXPECT_EQ(Value("VALUE", "'@A*2'"), "{@A*2}");
-  EXPECT_EQ(Value("VALUE", "@A + @B"), "7.000000");
-  EXPECT_EQ(Value("L", "@A"), "3.000000U");
-}
-
-TEST_F(AttributeValueTest, UnresolvedExpressionsAreBracedForPspice) {
-  EXPECT_EQ(Value("VALUE", "@A*2"), "{@A*2}");
-  EXPECT_EQ(Value("VALUE", "'@A*2'"), "{@A*2}");
-  EXPECT_EQ(Value("VALUE", "@A"), "@A");  // a word, not arithmetic
-  EXPECT_EQ(Value("VALUE", "'@A'"), "@A");
-  EXPECT_EQ(Value("VALUE", "''@''"), "@");
   comp_.attrs.Set("@Q", "{X}");
-  EXPECT_EQ(Value("VALUE", "@Q*2"), "{X}*2");  // already braced text is left alone
-}
-
-TEST_F(AttributeValueTest, NoBracesForHspiceOrHdlSources) {
-  gen_.wirelistKind = kHspice;
-  EXPECT_EQ(Value("VALUE", "@A*2"), "@A*2");
-  gen_.wirelistKind = kKelpo;
-  EXPECT_EQ(Value("VALUE", "@A*2"), "{@A*2}");
-  gen_.hdlSpiceSources = 1;
-  EXPECT_EQ(Value("VALUE", "@A*2"), "@A*2");
-}
-
-TEST_F(AttributeValueTest, QuotesOnlyGiveNoValue) {
-  EXPECT_EQ(Value("VALUE", "'@'"), "@");
-  EXPECT_EQ(Value("VALUE", "@ '"), "@ ");
+  const std::pair<const char*, const char*> cases[] = {
+      {"@a*2", "6.000000"}, {"'@A'*2", "@A'*2"}, {"'@A*2'", "{@A*2}"}, {"@B", "@B"},  {"'@B'", "@B"},
+      {"''@''", "@"},       {"@Q*2", "{X}*2"},   {"'@'", "@"},         {"@ '", "@ "},
+  };
+  for (const auto& [value, expected] : cases) EXPECT_EQ(Value("VALUE", value), expected) << value;
+  EXPECT_EQ(Value("L", "@A"), "3.000000U");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The expression evaluator: tokens, suffixes, the inserted zero, precedence, statuses.
+// The expression evaluator: suffixes, the mil constant, the inserted zero, precedence, integer
+// rows, statuses; and the engineering notation of its values with each row's exclusive limit.
 #include "expr/evaluator.h"
 
 #include <gtest/gtest.h>
@@ -7,204 +8,138 @@
 #include <cstring>
 #include <string>
 
+#include "expr/engineering.h"
+
 namespace {
 
-// The status of `text`, and its value in `value` when the status is 0.
-int Eval(const std::string& text, double& value) { return EvaluateExpression(text, value); }
-
-double ValueOf(const std::string& text) {
-  double value = -12345.0;
-  EXPECT_EQ(EvaluateExpression(text, value), 0) << "for " << text;
-  return value;
-}
-
-int StatusOf(const std::string& text) {
-  double value = 0;
-  return EvaluateExpression(text, value);
-}
-
-std::string Postfix(const std::string& text) {
-  std::string postfix;
-  EXPECT_EQ(InfixToPostfix(text, postfix), 0) << "for " << text;
-  return postfix;
-}
-
-uint64_t BitsOf(double value) {
+TEST(EvaluateExpressionTest, Values) {
+  const std::pair<const char*, double> cases[] = {
+      // Suffixes, upper or lower case, also behind a blank or a parenthesis; alone on a zero.
+      {"10K", 10000},
+      {"10k", 10000},
+      {"10Meg", 1e7},
+      {"2MEG", 2e6},
+      {"2M", 2 * 1e-3},
+      {"10 K", 10000},
+      {"3F", 3 * 1e-15},
+      {"3p", 3 * 1e-12},
+      {"3n", 3 * 1e-9},
+      {"3u", 3 * 1e-6},
+      {"3g", 3 * 1e9},
+      {"3t", 3 * 1e12},
+      {"2 + 1K", 1002},
+      {"K", 0},
+      {"(2)K", 2000},
+      {"1mil", 25.4 * 1e-6},
+      {"2MIL", 2 * (25.4 * 1e-6)},
+      // A sign works on an inserted zero: "2 * -3" is (2 * 0) - 3, and "- -3" is (0 - 0) - 3.
+      {"-3", -3},
+      {"+3", 3},
+      {"2 * -3", -3},
+      {"2 * (-3)", -6},
+      {"- -3", -3},
+      // Precedence.
+      {"1 + 2 * 3", 7},
+      {"(1 + 2) * 3", 9},
+      {"8 / 2 / 2", 2},
+      {"2 * 3 % 4", 2},
+      {"8 % 3 * 2", 2},
+      {"1 + 2 == 3", 1},
+      {"1 < 2 && 3 < 4", 1},
+      {"0 < 2 && 0", 0},  // (0 < (2 && 0)) is 0 < 0
+      {"1 << 2 + 1", 5},  // the shifts bind tighter than "+"
+      {"6 & 3 == 2", 1},  // comparisons bind loosest
+      {"1 | 2 ^ 4", 7},
+      // Integer rows, shifts, comparisons and logic.
+      {"7 \\ 2", 3},
+      {"-7 \\ 2", -3},
+      {"7 / 2", 3.5},
+      {"7.9 % 3", 1},
+      {"(0-7) % 3", -1},
+      {"7 % (0-3)", 1},
+      {"6 ^ 3", 5},
+      {"6 & 3", 2},
+      {"6 | 3", 7},
+      {"6 !| 3", -8},
+      {"3 !& 1", -2},
+      {"2.9 & 3.9", 2},
+      {"1 << 4", 16},
+      {"1 << 33", 2},
+      {"1 << 31", -2147483648.0},
+      {"(0-16) >> 2", -4},
+      {"16 >> 2", 4},
+      {"1 != 2", 1},
+      {"2 != 2", 0},
+      {"2 >= 2", 1},
+      {"2 <= 1", 0},
+      {"2 > 1", 1},
+      {"0.5 && 2", 1},
+      {"0 || 0", 0},
+      {"0 || 0.1", 1},
+      // Out-of-range integer operands do not crash.
+      {"(0-2147483647-1) % (0-1)", 0},
+      {"1000000000000 & 1", 0},
+      {"7 \\ 0", -2147483648.0},
+      {"1000000000000 << 1", 0},
+      {"(0 - 2147483647 - 1) << 1", 0},
+  };
+  for (const auto& [text, expected] : cases) {
+    double value = -12345.0;
+    EXPECT_EQ(EvaluateExpression(text, value), 0) << text;
+    EXPECT_EQ(value, expected) << text;
+  }
+  // The mil is the double product of 25.4 and 1e-6, to the last bit.
+  double mil = 0;
+  EXPECT_EQ(EvaluateExpression("1MIL", mil), 0);
   uint64_t bits;
-  std::memcpy(&bits, &value, sizeof bits);
-  return bits;
-}
-
-TEST(FindOperatorTokenTest, WholeRunMustBeOneToken) {
-  EXPECT_EQ(FindOperatorToken("MEG"), 8);
-  EXPECT_EQ(FindOperatorToken("M3"), 6);
-  EXPECT_EQ(FindOperatorToken("MIL)"), 5);
-  EXPECT_EQ(FindOperatorToken("<=2"), 31);
-  EXPECT_EQ(FindOperatorToken("!|"), 22);
-  EXPECT_EQ(FindOperatorToken("*-"), -1);
-  EXPECT_EQ(FindOperatorToken("K*"), -1);
-  EXPECT_EQ(FindOperatorToken("UF"), -1);
-  EXPECT_EQ(FindOperatorToken("k"), -1);  // case sensitive
-  EXPECT_EQ(FindOperatorToken("12"), -1);
-  EXPECT_EQ(FindOperatorToken(""), -1);
-  EXPECT_EQ(FindOperatorToken("E"), -1);
-}
-
-TEST(NumberLengthTest, CountsDigitsAndPoints) {
-  EXPECT_EQ(NumberLength("12.5K"), 4);
-  EXPECT_EQ(NumberLength("1.2.3"), 5);
-  EXPECT_EQ(NumberLength("1E3"), 1);
-  EXPECT_EQ(NumberLength("-1"), 0);
-  EXPECT_EQ(NumberLength(""), 0);
-}
-
-TEST(InfixToPostfixTest, BlankBeforeEveryTokenAndZeroForSigns) {
-  EXPECT_EQ(Postfix("2 * -3"), " 2 0 * 3 -");
-  EXPECT_EQ(Postfix("-3"), " 0 3 -");
-  EXPECT_EQ(Postfix("1k + 2"), " 1 0 K 2 +");
-  EXPECT_EQ(Postfix("(1+2)*3"), " 1 2 + 3 *");
-  EXPECT_EQ(Postfix("1 - 2 - 3"), " 1 2 - 3 -");
-  EXPECT_EQ(Postfix("K"), " 0 K");
-}
-
-TEST(InfixToPostfixTest, ParenthesesMustBalance) {
-  std::string postfix;
-  EXPECT_EQ(InfixToPostfix("(2", postfix), 1);
-  EXPECT_EQ(InfixToPostfix("2)", postfix), 1);
-  EXPECT_EQ(InfixToPostfix("A", postfix), 3);
-}
-
-TEST(EvaluatePostfixTest, RunsTheStack) {
-  double value = 0;
-  EXPECT_EQ(EvaluatePostfix(" 2 0 * 3 -", value), 0);
-  EXPECT_EQ(value, -3);
-  EXPECT_EQ(EvaluatePostfix(" 1.2.3", value), 3);
-  EXPECT_EQ(EvaluatePostfix(" .", value), 3);
-  EXPECT_EQ(EvaluatePostfix(" +", value), 1);
-  EXPECT_EQ(EvaluatePostfix(" 1 +", value), 1);
-  EXPECT_EQ(EvaluatePostfix(" 1 2", value), 4);
-  EXPECT_EQ(EvaluatePostfix(" Q", value), 3);
-}
-
-TEST(EvaluateExpressionTest, Suffixes) {
-  EXPECT_EQ(ValueOf("10K"), 10000);
-  EXPECT_EQ(ValueOf("10k"), 10000);
-  EXPECT_EQ(ValueOf("10Meg"), 1e7);
-  EXPECT_EQ(ValueOf("2MEG"), 2e6);
-  EXPECT_EQ(ValueOf("2M"), 2 * 1e-3);
-  EXPECT_EQ(ValueOf("10 K"), 10000);
-  EXPECT_EQ(ValueOf("3F"), 3 * 1e-15);
-  EXPECT_EQ(ValueOf("3p"), 3 * 1e-12);
-  EXPECT_EQ(ValueOf("3n"), 3 * 1e-9);
-  EXPECT_EQ(ValueOf("3u"), 3 * 1e-6);
-  EXPECT_EQ(ValueOf("3g"), 3 * 1e9);
-  EXPECT_EQ(ValueOf("3t"), 3 * 1e12);
-  EXPECT_EQ(ValueOf("2 + 1K"), 1002);
-  EXPECT_EQ(ValueOf("K"), 0);
-  EXPECT_EQ(ValueOf("(2)K"), 2000);
-}
-
-TEST(EvaluateExpressionTest, MilIsTheDoubleProduct) {
-  EXPECT_EQ(BitsOf(ValueOf("1MIL")), 0x3EFAA242B58735E9ULL);
-  EXPECT_EQ(ValueOf("1mil"), 25.4 * 1e-6);
-  EXPECT_EQ(ValueOf("2MIL"), 2 * (25.4 * 1e-6));
-}
-
-TEST(EvaluateExpressionTest, SignsWorkOnAnInsertedZero) {
-  EXPECT_EQ(ValueOf("-3"), -3);
-  EXPECT_EQ(ValueOf("+3"), 3);
-  EXPECT_EQ(ValueOf("2 * -3"), -3);
-  EXPECT_EQ(ValueOf("2 * (-3)"), -6);
-  EXPECT_EQ(ValueOf("- -3"), -3);  // (0 - 0) - 3: a sign is a left-associative operator
-}
-
-TEST(EvaluateExpressionTest, Precedence) {
-  EXPECT_EQ(ValueOf("1 + 2 * 3"), 7);
-  EXPECT_EQ(ValueOf("(1 + 2) * 3"), 9);
-  EXPECT_EQ(ValueOf("8 / 2 / 2"), 2);
-  EXPECT_EQ(ValueOf("2 * 3 % 4"), 2);
-  EXPECT_EQ(ValueOf("8 % 3 * 2"), 2);
-  EXPECT_EQ(ValueOf("1 + 2 == 3"), 1);
-  EXPECT_EQ(ValueOf("1 < 2 && 3 < 4"), 1);
-  EXPECT_EQ(ValueOf("0 < 2 && 0"), 0);  // (0 < (2 && 0)) is 0 < 0
-  EXPECT_EQ(ValueOf("1 << 2 + 1"), 5);  // the shifts bind tighter than "+"
-  EXPECT_EQ(ValueOf("6 & 3 == 2"), 1);  // comparisons bind loosest
-  EXPECT_EQ(ValueOf("1 | 2 ^ 4"), 7);
-}
-
-TEST(EvaluateExpressionTest, DivisionAndIntegerRows) {
-  EXPECT_EQ(ValueOf("7 \\ 2"), 3);
-  EXPECT_EQ(ValueOf("-7 \\ 2"), -3);
-  EXPECT_EQ(ValueOf("7 / 2"), 3.5);
-  EXPECT_EQ(ValueOf("7.9 % 3"), 1);
-  EXPECT_EQ(ValueOf("(0-7) % 3"), -1);
-  EXPECT_EQ(ValueOf("7 % (0-3)"), 1);
-  EXPECT_EQ(ValueOf("6 ^ 3"), 5);
-  EXPECT_EQ(ValueOf("6 & 3"), 2);
-  EXPECT_EQ(ValueOf("6 | 3"), 7);
-  EXPECT_EQ(ValueOf("6 !| 3"), -8);
-  EXPECT_EQ(ValueOf("3 !& 1"), -2);
-  EXPECT_EQ(ValueOf("2.9 & 3.9"), 2);
-}
-
-TEST(EvaluateExpressionTest, Shifts) {
-  EXPECT_EQ(ValueOf("1 << 4"), 16);
-  EXPECT_EQ(ValueOf("1 << 33"), 2);
-  EXPECT_EQ(ValueOf("1 << 31"), -2147483648.0);
-  EXPECT_EQ(ValueOf("(0-16) >> 2"), -4);
-  EXPECT_EQ(ValueOf("16 >> 2"), 4);
-}
-
-TEST(EvaluateExpressionTest, ComparisonsAndLogic) {
-  EXPECT_EQ(ValueOf("1 != 2"), 1);
-  EXPECT_EQ(ValueOf("2 != 2"), 0);
-  EXPECT_EQ(ValueOf("2 >= 2"), 1);
-  EXPECT_EQ(ValueOf("2 <= 1"), 0);
-  EXPECT_EQ(ValueOf("2 > 1"), 1);
-  EXPECT_EQ(ValueOf("0.5 && 2"), 1);
-  EXPECT_EQ(ValueOf("0 || 0"), 0);
-  EXPECT_EQ(ValueOf("0 || 0.1"), 1);
+  std::memcpy(&bits, &mil, sizeof bits);
+  EXPECT_EQ(bits, 0x3EFAA242B58735E9ULL);
 }
 
 TEST(EvaluateExpressionTest, StatusOfBadTexts) {
-  EXPECT_EQ(StatusOf("1E3"), 3);
-  EXPECT_EQ(StatusOf("10UF"), 3);
-  EXPECT_EQ(StatusOf("2*-3"), 3);
-  EXPECT_EQ(StatusOf("1+-2"), 3);
-  EXPECT_EQ(StatusOf("A+1"), 3);
-  EXPECT_EQ(StatusOf("1.2.3"), 3);
-  EXPECT_EQ(StatusOf("."), 3);
-  EXPECT_EQ(StatusOf("1K + 2"), 4);
-  EXPECT_EQ(StatusOf("(1K) + 2"), 4);
-  EXPECT_EQ(StatusOf("2 3"), 4);
-  EXPECT_EQ(StatusOf("2 +"), 1);
-  EXPECT_EQ(StatusOf("(2"), 1);
-  EXPECT_EQ(StatusOf("2)"), 1);
-}
-
-TEST(EvaluateExpressionTest, NothingToReadIsAFailure) {
-  EXPECT_NE(StatusOf(""), 0);
-  EXPECT_NE(StatusOf("   "), 0);
-  EXPECT_NE(StatusOf("()"), 0);
-}
-
-TEST(EvaluateExpressionTest, RemainderByZeroIsAFailure) {
-  EXPECT_NE(StatusOf("5 % 0"), 0);
-  EXPECT_NE(StatusOf("5 % 0.5"), 0);
-  EXPECT_EQ(ValueOf("(0-2147483647-1) % (0-1)"), 0);
-}
-
-TEST(EvaluateExpressionTest, FailureLeavesResultUntouched) {
-  double value = 42;
-  EXPECT_EQ(Eval("(2", value), 1);
+  const std::pair<const char*, int> cases[] = {
+      {"1E3", 3},    {"10UF", 3},     {"2*-3", 3}, {"1+-2", 3}, {"A+1", 3}, {"1.2.3", 3}, {".", 3},
+      {"1K + 2", 4}, {"(1K) + 2", 4}, {"2 3", 4},  {"2 +", 1},  {"(2", 1},  {"2)", 1},
+  };
+  for (const auto& [text, status] : cases) {
+    double value = 0;
+    EXPECT_EQ(EvaluateExpression(text, value), status) << text;
+  }
+  double value = 42;  // a failure of the first stage leaves the result untouched
+  EXPECT_EQ(EvaluateExpression("(2", value), 1);
   EXPECT_EQ(value, 42);
+  for (const char* text : {"", "   ", "()", "5 % 0", "5 % 0.5"}) {
+    EXPECT_NE(EvaluateExpression(text, value), 0) << text;
+  }
 }
 
-TEST(EvaluateExpressionTest, OutOfRangeIntegerOperandsDoNotCrash) {
-  EXPECT_EQ(ValueOf("1000000000000 & 1"), 0);
-  EXPECT_EQ(ValueOf("7 \\ 0"), -2147483648.0);
-  EXPECT_EQ(ValueOf("1000000000000 << 1"), 0);
-  EXPECT_EQ(ValueOf("(0 - 2147483647 - 1) << 1"), 0);
+TEST(FormatEngineeringTest, EachRowAndItsExclusiveLimit) {
+  const std::pair<double, const char*> cases[] = {
+      {2e13, "20.000000T"},
+      {1e12, "1000.000000G"},
+      {3e9 + 1, "3.000000G"},
+      {1e9, "1000.000000MEG"},
+      {2e6, "2.000000MEG"},
+      {1e6, "1000.000000K"},
+      {1000.5, "1.000500K"},
+      {1e4, "10.000000K"},
+      {1000, "1000.000000"},
+      {1, "1.000000"},
+      {0.5, "500.000000M"},
+      {1e-3, "1000.000000U"},
+      {1e-6, "1000.000000N"},
+      {2.5e-9, "2.500000N"},
+      {1e-9, "1000.000000P"},
+      {4e-12, "4.000000P"},
+      {1e-12, "1000.000000F"},
+      {0, "0.000000F"},
+      {-5, "-5000000000000000.000000F"},
+      {-1e-15, "-1.000000F"},
+      {-1e300, "-infF"},
+      {1.0 / 0.0, "infT"},
+  };
+  for (const auto& [value, text] : cases) EXPECT_EQ(FormatEngineering(value), text) << value;
+  EXPECT_EQ(FormatEngineering(1.7976931348623157e308).size(), 297u + 7u + 1u);
 }
 
 }  // namespace

@@ -8,115 +8,83 @@
 
 namespace {
 
-TEST(ClassifyValueTest, PlainNumbers) {
-  EXPECT_EQ(ClassifyValue(""), 1);
-  EXPECT_EQ(ClassifyValue("10"), 1);
-  EXPECT_EQ(ClassifyValue("1.5"), 1);
-  EXPECT_EQ(ClassifyValue("10K"), 1);
-  EXPECT_EQ(ClassifyValue("10meg"), 1);
-  EXPECT_EQ(ClassifyValue("1.K"), 1);
-  EXPECT_EQ(ClassifyValue("1E-5"), 1);
-  EXPECT_EQ(ClassifyValue("1E5"), 1);
-  EXPECT_EQ(ClassifyValue("1,5"), 1);
+TEST(ClassifyValueTest, NumbersWordsArithmeticAndQuoted) {
+  const std::pair<const char*, int> cases[] = {
+      {"", 1},
+      {"10", 1},
+      {"1.5", 1},
+      {"10K", 1},
+      {"10meg", 1},
+      {"1.K", 1},
+      {"1E-5", 1},
+      {"1E5", 1},
+      {"1,5", 1},
+      {"K10", 3},
+      {"2UF", 3},
+      {"10MEGA", 3},
+      {"ABC", 3},
+      {"E", 3},
+      {"1T", 3},    // tera is no suffix here
+      {"1MIL", 3},  // nor is the mil
+      // Arithmetic comes before words.
+      {"2*K", 4},
+      {"2*3", 4},
+      {"-1", 4},
+      {"5U*2", 4},
+      {"@A/2", 4},
+      {"1e-5", 4},  // only an upper-case E reads as an exponent
+      // Quoted or escaped stops at once.
+      {"'1+2'", 0},
+      {"1+{X}", 0},
+      {"A}", 0},
+      {"A\\B", 0},
+  };
+  for (const auto& [text, valueClass] : cases) EXPECT_EQ(ClassifyValue(text), valueClass) << text;
 }
 
-TEST(ClassifyValueTest, Words) {
-  EXPECT_EQ(ClassifyValue("K10"), 3);
-  EXPECT_EQ(ClassifyValue("2UF"), 3);
-  EXPECT_EQ(ClassifyValue("10MEGA"), 3);
-  EXPECT_EQ(ClassifyValue("ABC"), 3);
-  EXPECT_EQ(ClassifyValue("E"), 3);
-  EXPECT_EQ(ClassifyValue("1T"), 3);    // tera is no suffix here
-  EXPECT_EQ(ClassifyValue("1MIL"), 3);  // nor is the mil
+TEST(SuffixLengthTest, RecognisedAndRejectedSuffixes) {
+  const std::tuple<const char*, const char*, int> cases[] = {
+      {"MEG", "0MEG", 3},   {"meg*2", "0meg*2", 3}, {"M", "1M", 1}, {"U*2", "5U*2", 1}, {"K", ".K", 1},
+      {"f)", "1f)", 1},     {"p", "1p", 1},         {"n", "1n", 1}, {"G", "1G", 1},     {"UF", "2UF", 0},
+      {"MEGA", "0MEGA", 0}, {"T", "1T", 0},         {"K", "AK", 0}, {"", "1", 0},
+  };
+  for (const auto& [suffix, text, length] : cases) EXPECT_EQ(SuffixLength(suffix, text), length) << text;
 }
 
-TEST(ClassifyValueTest, ArithmeticComesBeforeWords) {
-  EXPECT_EQ(ClassifyValue("2*K"), 4);
-  EXPECT_EQ(ClassifyValue("2*3"), 4);
-  EXPECT_EQ(ClassifyValue("-1"), 4);
-  EXPECT_EQ(ClassifyValue("5U*2"), 4);
-  EXPECT_EQ(ClassifyValue("@A/2"), 4);
-  EXPECT_EQ(ClassifyValue("1e-5"), 4);  // only an upper-case E reads as an exponent
-}
-
-TEST(ClassifyValueTest, QuotedOrEscapedStopsAtOnce) {
-  EXPECT_EQ(ClassifyValue("'1+2'"), 0);
-  EXPECT_EQ(ClassifyValue("1+{X}"), 0);
-  EXPECT_EQ(ClassifyValue("A}"), 0);
-  EXPECT_EQ(ClassifyValue("A\\B"), 0);
-}
-
-TEST(SuffixLengthTest, RecognisedSuffixes) {
-  EXPECT_EQ(SuffixLength("MEG", "0MEG"), 3);
-  EXPECT_EQ(SuffixLength("meg*2", "0meg*2"), 3);
-  EXPECT_EQ(SuffixLength("M", "1M"), 1);
-  EXPECT_EQ(SuffixLength("U*2", "5U*2"), 1);
-  EXPECT_EQ(SuffixLength("K", ".K"), 1);
-  EXPECT_EQ(SuffixLength("f)", "1f)"), 1);
-  EXPECT_EQ(SuffixLength("p", "1p"), 1);
-  EXPECT_EQ(SuffixLength("n", "1n"), 1);
-  EXPECT_EQ(SuffixLength("G", "1G"), 1);
-}
-
-TEST(SuffixLengthTest, RejectedSuffixes) {
-  EXPECT_EQ(SuffixLength("UF", "2UF"), 0);
-  EXPECT_EQ(SuffixLength("MEGA", "0MEGA"), 0);
-  EXPECT_EQ(SuffixLength("T", "1T"), 0);
-  EXPECT_EQ(SuffixLength("K", "AK"), 0);
-  EXPECT_EQ(SuffixLength("", "1"), 0);
-}
-
-class AdjustUnitTest : public ::testing::Test {
- protected:
-  std::string Adjusted(std::string word, bool strip = false) {
-    UnitRules rules{&uNames_, &pNames_, strip};
-    AdjustWordUnit(word, rules);
-    return word;
+TEST(AdjustUnitTest, AddsOrStripsTheUnitLetterOfListedNames) {
+  std::set<std::string> uNames{"W", "L", "L1", "W1"}, pNames{"AS", "AD"};
+  const std::tuple<const char*, bool, const char*> cases[] = {
+      {"W=2", false, "W=2U"},
+      {"AS=4", false, "AS=4P"},
+      {"W=2.5", false, "W=2.5U"},
+      {"W=2U", false, "W=2U"},
+      {"W=2u", false, "W=2u"},
+      {"W=2K", false, "W=2K"},
+      {"X=2", false, "X=2"},
+      {"w=2", false, "w=2"},  // the name lookup is exact
+      {"W=1E-6", false, "W=1E-6"},
+      {"W=2*3", false, "W=2*3"},
+      {"W=ABC", false, "W=ABC"},
+      {"W2", false, "W2"},
+      {"W=", false, "W="},
+      // Stripping is case-sensitive.
+      {"W=2U", true, "W=2"},
+      {"W=2u", true, "W=2u"},
+      {"AS=2P", true, "AS=2"},
+      {"W=2", true, "W=2"},
+  };
+  for (const auto& [word, strip, expected] : cases) {
+    std::string text = word;
+    AdjustWordUnit(text, UnitRules{&uNames, &pNames, strip});
+    EXPECT_EQ(text, expected) << word << strip;
   }
-  std::set<std::string> uNames_{"W", "L", "L1", "W1"};
-  std::set<std::string> pNames_{"AS", "AD"};
-};
-
-TEST_F(AdjustUnitTest, AddsTheUnitLetter) {
-  EXPECT_EQ(Adjusted("W=2"), "W=2U");
-  EXPECT_EQ(Adjusted("AS=4"), "AS=4P");
-  EXPECT_EQ(Adjusted("W=2.5"), "W=2.5U");
-  EXPECT_EQ(Adjusted("W=2U"), "W=2U");
-  EXPECT_EQ(Adjusted("W=2u"), "W=2u");
-  EXPECT_EQ(Adjusted("W=2K"), "W=2K");
-}
-
-TEST_F(AdjustUnitTest, LeavesOthersAlone) {
-  EXPECT_EQ(Adjusted("X=2"), "X=2");
-  EXPECT_EQ(Adjusted("w=2"), "w=2");  // the name lookup is exact
-  EXPECT_EQ(Adjusted("W=1E-6"), "W=1E-6");
-  EXPECT_EQ(Adjusted("W=2*3"), "W=2*3");
-  EXPECT_EQ(Adjusted("W=ABC"), "W=ABC");
-  EXPECT_EQ(Adjusted("W2"), "W2");
-  EXPECT_EQ(Adjusted("W="), "W=");
-}
-
-TEST_F(AdjustUnitTest, StripsTheUnitLetterCaseSensitively) {
-  EXPECT_EQ(Adjusted("W=2U", true), "W=2");
-  EXPECT_EQ(Adjusted("W=2u", true), "W=2u");
-  EXPECT_EQ(Adjusted("AS=2P", true), "AS=2");
-  EXPECT_EQ(Adjusted("W=2", true), "W=2");
-}
-
-TEST_F(AdjustUnitTest, WordAndValueMayBeTheSameText) {
-  UnitRules rules{&uNames_, &pNames_, false};
+  // The word and the value may be the same text; missing sets mean no unit.
+  UnitRules rules{&uNames, &pNames, false};
   std::string text = "10";
   AdjustUnit(text, text, "L", rules);
   EXPECT_EQ(text, "10U");
-  std::string empty;
-  AdjustUnit(empty, empty, "L", rules);
-  EXPECT_EQ(empty, "");
-}
-
-TEST(AdjustUnitNullSetsTest, MissingSetsMeanNoUnit) {
-  UnitRules rules{nullptr, nullptr, false};
   std::string word = "W=2";
-  AdjustWordUnit(word, rules);
+  AdjustWordUnit(word, UnitRules{nullptr, nullptr, false});
   EXPECT_EQ(word, "W=2");
 }
 

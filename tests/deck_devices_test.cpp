@@ -14,26 +14,15 @@ using deckexpect::Head;
 
 // One MOS component whose template writes L= and W= words; the other cards come from
 // the header file.
-const char* const kDesign = R"({
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "M9", "name": "NMOS.1", "attributes": { "MODEL": "NCH", "L": "1", "W": "VW" },
-          "definition": { "PREFIX": "M", "ORDER": "MODEL$ L= W=" },
-          "pins": [ { "name": "D", "net": "OUT" }, { "name": "G", "net": "IN" },
-                    { "name": "S", "net": "GND" }, { "name": "B", "net": "GND" } ] }
-      ] }
-  ]
-})";
+const char* const kDesign = R"({ "blocks": [ { "name": "TOP", "components": [
+    { "label": "M9", "name": "NMOS.1", "attributes": { "MODEL": "NCH", "L": "1", "W": "VW" },
+    "definition": { "PREFIX": "M", "ORDER": "MODEL$ L= W=" },
+    "pins": [ { "name": "D", "net": "OUT" }, { "name": "G", "net": "IN" },
+    { "name": "S", "net": "GND" }, { "name": "B", "net": "GND" } ] } ] } ] })";
 
 const char kCards[] =
-    "M1 D G S B NCH L=1 W=10\n"
-    "M2 D G S B NCH W = 2 L=1U AS=5 VT=VTH0\n"
-    "+ L=3 W=4\n"
-    "M3 D G S B NCH WL=1/2\n"
-    "M4 D G S B NCH WL=5 AD=1\n"
-    "M5 D G S B MODEL=PCH L={2*3} W=LX\n"
-    "B1 D G S NB W=2\n"
+    "M1 D G S B NCH L=1 W=10\nM2 D G S B NCH W = 2 L=1U AS=5 VT=VTH0\n+ L=3 W=4\nM3 D G S B NCH WL=1/2\n"
+    "M4 D G S B NCH WL=5 AD=1\nM5 D G S B MODEL=PCH L={2*3} W=LX\nB1 D G S NB W=2\n"
     "Q1 C B E QN M=2 $EA=M*2\n";
 
 const char kDictionary[] = "* Dictionary 3\n* GND=0\n* IN=2\n* OUT=1\n";
@@ -53,15 +42,10 @@ TEST(DeckDevicesTest, PspiceUnitsAndBracesByDefault) {
   VeskRun run = RunWith(args, kCards, "");
   EXPECT_EQ(run.rc, 0);
   EXPECT_EQ(run.deck, Head(args) +
-                          "M1 D G S B NCH L=1U W=10U\n"
-                          "M2 D G S B NCH W=2U L=1U AS=5 VT={VTH0}\n"
-                          "+ L=3U W=4U\n"
-                          "M3 D G S B NCH WL={1/2}\n"
-                          "M4 D G S B NCH WL=5 AD=1\n"
-                          "M5 D G S B MODEL=PCH L={2*3} W={LX}\n"
-                          "B1 D G S NB W=2U\n"
-                          "Q1 C B E QN M=2 $EA={M*2}\n"
-                          "M9 1 2 0 0 NCH L=1000.000000N W={VW}\n" +
+                          "M1 D G S B NCH L=1U W=10U\nM2 D G S B NCH W=2U L=1U AS=5 VT={VTH0}\n"
+                          "+ L=3U W=4U\nM3 D G S B NCH WL={1/2}\nM4 D G S B NCH WL=5 AD=1\n"
+                          "M5 D G S B MODEL=PCH L={2*3} W={LX}\nB1 D G S NB W=2U\n"
+                          "Q1 C B E QN M=2 $EA={M*2}\nM9 1 2 0 0 NCH L=1000.000000N W={VW}\n" +
                           kDictionary + "*.END\n");
 }
 
@@ -80,8 +64,7 @@ TEST(DeckDevicesTest, GeometryFormulasAndWidthLengthSplit) {
                           "M3 D G S B NCH WL={1/2} W=1U L=2U AS={2*1} AD={2*1} PS={2*(1+2)}\n"
                           "M4 D G S B NCH AD={2*5} W=5U AS={1.0*5} PS={2*(5+1.0)}\n"
                           "M5 D G S B MODEL=PCH L={2*3} W={LX} AS={2*3*LX} AD={2*LX} PS={2*(LX+2*3)}\n"
-                          "B1 D G S NB W=2U AS=*2 AD=2*2 PS=2*(2+)\n"
-                          "Q1 C B E QN M=2 $EA={M*2}\n"
+                          "B1 D G S NB W=2U AS=*2 AD=2*2 PS=2*(2+)\nQ1 C B E QN M=2 $EA={M*2}\n"
                           "M9 1 2 0 0 NCH L=1000.000000N W={VW} AS={1000.000000N*VW} AD={2*VW} "
                           "PS={2*(VW+1000.000000N)}\n" +
                           kDictionary + "*.END\n");
@@ -99,13 +82,8 @@ TEST(DeckDevicesTest, DraculaWordsAndBipolarCards) {
               "R1 A B R=2X\nC1 A B 1P NOT4ECAD\nXD1 A B SUB /dev PARAMS: P=1\nR9 A B 1K\n",
               "CALC_AREA 1\nAS L*W\nNOSLASH 1\n");
   EXPECT_EQ(run.deck, Head(args) +
-                          "M1 D G S B NCH L=1U W=10U\n"
-                          "Q1 C B E QN M=2 $EA='2*2'\n"
-                          "Q2 C B E QN M='K' $EA='K*2'\n"
-                          "R1 A B R=2\n"
-                          "\n"
-                          "XD1 A B SUB P=1\n"
-                          "R9 A B 1K\n"
+                          "M1 D G S B NCH L=1U W=10U\nQ1 C B E QN M=2 $EA='2*2'\n"
+                          "Q2 C B E QN M='K' $EA='K*2'\nR1 A B R=2\n\nXD1 A B SUB P=1\nR9 A B 1K\n"
                           "\n*Definition For Project TOP\n.SUBCKT TOP\n"
                           "M9 OUT IN 0 0 NCH L=1000.000000N W='VW' AS='1000.000000N*VW'\n"
                           "* CROSS-REFERENCE 1\n* GND=0\n.ENDS\n\n* Dictionary 0\n");
@@ -121,10 +99,8 @@ TEST(DeckDevicesTest, InstanceWidthLengthSplitAndStrippedUnits) {
                         "WL_SPLIT 2\nSTRIP UNITS\n");
   EXPECT_EQ(run.deck, Head(args) +
                           "X1 A B SUB PARAMS: L1=3 W1=2 L2={L2} W2={W2} L=5 W=4\n"
-                          "M1 D G S B NCH L=1 W=10u WL={1/2}\n"
-                          "M2 D G S B NCH L=1 W={LX} VT={VTH0}\n"
-                          "X2 A B SUB PARAMS: G={A+B}\n"
-                          "M9 1 2 0 0 NCH L=1000.000000N W={VW}\n" +
+                          "M1 D G S B NCH L=1 W=10u WL={1/2}\nM2 D G S B NCH L=1 W={LX} VT={VTH0}\n"
+                          "X2 A B SUB PARAMS: G={A+B}\nM9 1 2 0 0 NCH L=1000.000000N W={VW}\n" +
                           kDictionary + "*.END\n");
 }
 

@@ -24,9 +24,9 @@ std::string ModelsDesign() {
                    R"(, "pins": )" + kTransistorPins + " }, " +
                    R"({ "label": "X1", "name": "OPAMP.1", "attributes": { "MODEL": "opamp" }, )" + order +
                    R"(, "pins": [ { "name": "IN", "net": "IN" }, { "name": "OUT", "net": "OUT" } ] },
-         { "label": "D1", "name": "DIODE.1", "attributes": { "MODEL": "DMISSING" }, )" +
+    { "label": "D1", "name": "DIODE.1", "attributes": { "MODEL": "DMISSING" },)" +
                    order + R"(, "pins": [ { "name": "A", "net": "IN" }, { "name": "K", "net": "GND" } ] },
-         { "label": "D2", "name": "DIODE.1", "attributes": { "MODEL": "Dx" }, )" +
+    { "label": "D2", "name": "DIODE.1", "attributes": { "MODEL": "Dx" },)" +
                    order + R"(, "pins": [ { "name": "A", "net": "OUT" }, { "name": "K", "net": "GND" } ] })");
 }
 
@@ -46,13 +46,7 @@ VeskInput ModelFiles() {
 }
 
 const char kModelLines[] =
-    "Q1 1 2 0 Q2N\n"
-    "Q2 1 2 0 q2n\n"
-    "X1 2 1 opamp\n"
-    "D1 2 0 DMISSING\n"
-    "D2 1 0 Dx\n"
-    "* Dictionary 3\n"
-    "* GND=0\n"
+    "Q1 1 2 0 Q2N\nQ2 1 2 0 q2n\nX1 2 1 opamp\nD1 2 0 DMISSING\nD2 1 0 Dx\n* Dictionary 3\n* GND=0\n"
     "* IN=2\n";
 
 TEST(DeckIncludes, ModelFilesAndTheFilesTheyCallAreIncludedInPathOrder) {
@@ -61,19 +55,11 @@ TEST(DeckIncludes, ModelFilesAndTheFilesTheyCallAreIncludedInPathOrder) {
   // One include a file, spelled as the model was first used; a missing file is a warning
   // without a line end, which the next line's own line end closes.
   EXPECT_EQ(run.deck, Head("TOP") + kModelLines +
-                          "* OUT = 1\n"
-                          "\n"
-                          "*Warning: Could not open data file sym\\DMISSING.mod\n"
-                          ".include \"..\\..\\sym\\Dx.mod\"\n"
-                          "\n"
-                          ".include \"..\\..\\sym\\Q2N.mod\"\n"
-                          "\n"
+                          "* OUT = 1\n\n*Warning: Could not open data file sym\\DMISSING.mod\n"
+                          ".include \"..\\..\\sym\\Dx.mod\"\n\n.include \"..\\..\\sym\\Q2N.mod\"\n\n"
                           "*Warning: Could not open data file sym\\leaf.mod\n"
-                          ".include \"..\\..\\sym\\opamp.mod\"\n"
-                          "\n"
-                          ".include \"..\\..\\sym\\stage1.mod\"\n"
-                          "\n"
-                          "*.END\n");
+                          ".include \"..\\..\\sym\\opamp.mod\"\n\n.include \"..\\..\\sym\\stage1.mod\"\n"
+                          "\n*.END\n");
   EXPECT_EQ(run.output,
             "\n*Warning: Could not open data file sym\\DMISSING.mod"
             "\n*Warning: Could not open data file sym\\leaf.mod");
@@ -89,8 +75,8 @@ TEST(DeckIncludes, NoModelFileIsReadUnderZ) {
 // One resistor from IN to GND.
 std::string DividerDesign() {
   return TopDesign(R"({ "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
-      "definition": { "ORDER": "VALUE$" },
-      "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] })");
+    "definition": { "ORDER": "VALUE$" },
+    "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] })");
 }
 
 const char kDividerLines[] = "R1 1 0 1000.000000\n* Dictionary 2\n* GND=0\n* IN = 1\n\n*.END\n";
@@ -101,12 +87,8 @@ TEST(DeckIncludes, HeaderFileIsCopiedBehindTheCommentBlock) {
   // The path is looked up ignoring case; its lines then pass the post-process pass like any.
   VeskRun run = RunVesk(DividerDesign(), "-gincl\\hdr.txt TOP", input);
   ASSERT_EQ(run.rc, 0) << run.output;
-  EXPECT_EQ(run.deck, Head("-gincl\\hdr.txt TOP") +
-                          "* my header\n"
-                          ".PARAM VDD = 5\n"
-                          "\n"
-                          ".TEMP 27\n" +
-                          kDividerLines);
+  EXPECT_EQ(run.deck,
+            Head("-gincl\\hdr.txt TOP") + "* my header\n.PARAM VDD = 5\n\n.TEMP 27\n" + kDividerLines);
   EXPECT_EQ(run.output, "");
 }
 
@@ -114,13 +96,12 @@ TEST(DeckIncludes, HeaderFileIsCopiedBehindTheCommentBlock) {
 std::string GlobalsDesign() {
   return TopDesign(
       R"({ "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" },
-           "definition": { "ORDER": "VALUE$" },
-           "pins": [ { "name": "A", "net": "VDD" }, { "name": "B", "net": "GND" } ] },
-         { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "1K" },
-           "definition": { "ORDER": "VALUE$" },
-           "pins": [ { "name": "A", "net": "AVDD" }, { "name": "B", "net": "GND" } ] })",
+    "definition": { "ORDER": "VALUE$" },
+    "pins": [ { "name": "A", "net": "VDD" }, { "name": "B", "net": "GND" } ] },
+    { "label": "R2", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
+    "pins": [ { "name": "A", "net": "AVDD" }, { "name": "B", "net": "GND" } ] })",
       R"({ "label": "VDD", "global": true }, { "label": "AVDD", "global": true },
-         { "label": "GND", "global": true })");
+    { "label": "GND", "global": true })");
 }
 
 TEST(DeckIncludes, GlobalLinesStandInLabelOrderWhereTheDialectHasThem) {
@@ -128,40 +109,25 @@ TEST(DeckIncludes, GlobalLinesStandInLabelOrderWhereTheDialectHasThem) {
   VeskRun hspice = RunVesk(GlobalsDesign(), "-m -n TOP");
   ASSERT_EQ(hspice.rc, 0) << hspice.output;
   EXPECT_EQ(hspice.deck, Head("-m -n TOP") + lines +
-                             "*Globals\n"
-                             ".global AVDD\n"
-                             ".global 0\n"
-                             ".global VDD\n"
-                             "\n"
-                             ".OPTIONS INGOLD=2 CSDF=2\n"
-                             "*.END\n");
+                             "*Globals\n.global AVDD\n.global 0\n.global VDD\n\n"
+                             ".OPTIONS INGOLD=2 CSDF=2\n*.END\n");
   VeskRun pspice = RunVesk(GlobalsDesign(), "-n TOP");
   EXPECT_EQ(pspice.deck, Head("-n TOP") + lines + "*.END\n");
 }
 
 // TOP places AMP and a transistor of a model without a file; AMP holds a diode with a model
 // and one that defaults to the first part of its name, whose file is spelled in lower case.
-const char* const kHierarchicalModels = R"({
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "NOTE": "x" },
-          "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
-        { "label": "Q1", "name": "NPN.1", "attributes": { "MODEL": "QX" },
-          "definition": { "ORDER": "MODEL$" },
-          "pins": [ { "name": "C", "net": "OUT" }, { "name": "B", "net": "IN" }, { "name": "E", "net": "GND" } ] }
-      ] },
-    { "name": "AMP",
-      "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
-      "components": [
-        { "label": "D1", "name": "DIODE.1", "attributes": { "MODEL": "DX" },
-          "definition": { "ORDER": "MODEL$" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "K", "net": "B" } ] },
-        { "label": "D2", "name": "DIODE.1", "attributes": { "PREFIX": "D" },
-          "pins": [ { "name": "A", "net": "A" }, { "name": "K", "net": "B" } ] }
-      ] }
-  ]
-})";
+const char* const kHierarchicalModels = R"({ "blocks": [ { "name": "TOP", "components": [
+    { "label": "X1", "name": "AMP.1", "type": 2, "child": "AMP", "attributes": { "NOTE": "x" },
+    "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] },
+    { "label": "Q1", "name": "NPN.1", "attributes": { "MODEL": "QX" }, "definition": { "ORDER": "MODEL$" },
+    "pins": [ { "name": "C", "net": "OUT" }, { "name": "B", "net": "IN" }, { "name": "E", "net": "GND" } ] }
+    ] }, { "name": "AMP", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+    "components": [ { "label": "D1", "name": "DIODE.1", "attributes": { "MODEL": "DX" },
+    "definition": { "ORDER": "MODEL$" },
+    "pins": [ { "name": "A", "net": "A" }, { "name": "K", "net": "B" } ] },
+    { "label": "D2", "name": "DIODE.1", "attributes": { "PREFIX": "D" },
+    "pins": [ { "name": "A", "net": "A" }, { "name": "K", "net": "B" } ] } ] } ] })";
 
 TEST(DeckIncludes, HierarchicalDeckIncludesTheModelsOfAllBlocksAtItsEnd) {
   VeskInput input;
@@ -170,28 +136,12 @@ TEST(DeckIncludes, HierarchicalDeckIncludesTheModelsOfAllBlocksAtItsEnd) {
   ASSERT_EQ(run.rc, 0) << run.output;
   // The probe pass drops the empty line ahead of each include.
   EXPECT_EQ(run.deck, Head("-h TOP", true) +
-                          "*Definition For Project AMP\n"
-                          ".SUBCKT AMP 1 2\n"
-                          "D1 1 2 DX\n"
-                          "D2 1 2 DIODE\n"
-                          "*Warning: No Model For D2.Defaulting to DIODE\n"
-                          "* CROSS-REFERENCE 2\n"
-                          "* B=2\n"
-                          "* A=1\n"
-                          ".ENDS\n"
-                          "\n"
-                          "X1 1 0 AMP\n"
-                          "Q1 2 1 0 QX\n"
-                          "* Dictionary 3\n"
-                          "* OUT=2\n"
-                          "* GND=0\n"
-                          "* IN=1\n"
-                          ".include \"..\\..\\sym\\DIODE.mod\"\n"
+                          "*Definition For Project AMP\n.SUBCKT AMP 1 2\nD1 1 2 DX\nD2 1 2 DIODE\n"
+                          "*Warning: No Model For D2.Defaulting to DIODE\n* CROSS-REFERENCE 2\n* B=2\n"
+                          "* A=1\n.ENDS\n\nX1 1 0 AMP\nQ1 2 1 0 QX\n* Dictionary 3\n* OUT=2\n* GND=0\n"
+                          "* IN=1\n.include \"..\\..\\sym\\DIODE.mod\"\n"
                           ".include \"..\\..\\sym\\DX.mod\"\n"
-                          "*Warning: Could not open data file sym\\QX.mod\n"
-                          "\n"
-                          "*.END\n"
-                          "\n");
+                          "*Warning: Could not open data file sym\\QX.mod\n\n*.END\n\n");
 }
 
 }  // namespace

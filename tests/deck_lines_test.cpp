@@ -39,15 +39,8 @@ TEST(DeckLines, QuotedTextIsUpperCasedWithEscapesAndAnUnclosedQuoteRunsToTheEnd)
   // The quoted "IC=" and its value meet at the "=" in the post-process pass; "\n" starts a
   // continuation line of the same statement.
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "C1 1 0 1000.000000P IC=5.000000\n"
-                          "R1 1 2 1000.000000 A\tB X\"Y TAIL\n"
-                          "R2 2 0 2.000000K\n"
-                          "+ TC=1\n"
-                          "* Dictionary 3\n"
-                          "* OUT=2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
+                          "C1 1 0 1000.000000P IC=5.000000\nR1 1 2 1000.000000 A\tB X\"Y TAIL\n"
+                          "R2 2 0 2.000000K\n+ TC=1\n* Dictionary 3\n* OUT=2\n* GND=0\n* IN = 1\n\n"
                           "*.END\n");
 }
 
@@ -67,28 +60,15 @@ TEST(DeckLines, ValueTokensDefaultToZeroWithANoteAndDistributionFillsInTheValue)
   VeskRun run = RunVesk(design, "TOP");
   ASSERT_EQ(run.rc, 0) << run.output;
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "V1 1 0 DC 0 AC 0\n"
-                          "*Warning: No value for V1. Defaulting to 0\n"
-                          "*Warning: No value for V1. Defaulting to 0\n"
-                          "V2 1 0 DC 5.000000 AC 0\n"
-                          "*Warning: No value for V2. Defaulting to 0\n"
-                          "R1 1 2 2.000000K 1.000000\n"
-                          "R2 2 0 1K DEV=5%\n"
-                          "R3 2 0 0\n"
-                          "*Warning: No value for R3. Defaulting to 0\n"
-                          "R4 2 0 0\n"
-                          "*Warning: No value for R4. Defaulting to 0\n"
-                          "* Dictionary 3\n"
-                          "* OUT=2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
+                          "V1 1 0 DC 0 AC 0\n*Warning: No value for V1. Defaulting to 0\n"
+                          "*Warning: No value for V1. Defaulting to 0\nV2 1 0 DC 5.000000 AC 0\n"
+                          "*Warning: No value for V2. Defaulting to 0\nR1 1 2 2.000000K 1.000000\n"
+                          "R2 2 0 1K DEV=5%\nR3 2 0 0\n*Warning: No value for R3. Defaulting to 0\n"
+                          "R4 2 0 0\n*Warning: No value for R4. Defaulting to 0\n* Dictionary 3\n"
+                          "* OUT=2\n* GND=0\n* IN = 1\n\n*.END\n");
   EXPECT_EQ(run.output,
-            "*Warning: No value for V1. Defaulting to 0\n"
-            "*Warning: No value for V1. Defaulting to 0\n"
-            "*Warning: No value for V2. Defaulting to 0\n"
-            "*Warning: No value for R3. Defaulting to 0\n"
+            "*Warning: No value for V1. Defaulting to 0\n*Warning: No value for V1. Defaulting to 0\n"
+            "*Warning: No value for V2. Defaulting to 0\n*Warning: No value for R3. Defaulting to 0\n"
             "*Warning: No value for R4. Defaulting to 0\n");
 }
 
@@ -103,16 +83,8 @@ TEST(DeckLines, PinTokensWriteNodesBehindThePinOrder) {
   ASSERT_EQ(run.rc, 0) << run.output;
   // A pin the component lacks gets an invented node, and its entry has an empty net name.
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "E1 1 0 2 3 10.000000\n"
-                          "E2 1 0 2 N0 2.000000\n"
-                          "* Dictionary 5\n"
-                          "*=N0\n"
-                          "* REF=3\n"
-                          "* IN=2\n"
-                          "* GND=0\n"
-                          "* OUT = 1\n"
-                          "\n"
-                          "*.END\n");
+                          "E1 1 0 2 3 10.000000\nE2 1 0 2 N0 2.000000\n* Dictionary 5\n*=N0\n* REF=3\n"
+                          "* IN=2\n* GND=0\n* OUT = 1\n\n*.END\n");
 }
 
 TEST(DeckLines, FirstOrderSwitchPicksAnotherTemplateAndFallsBack) {
@@ -144,25 +116,15 @@ TEST(DeckLines, BareAttributesAndPrefixLettersGiveDefaultBodies) {
   // A flat deck knows no component names, so D1 defaults to an empty model; the post-process
   // pass reduces the doubled blanks of the notes.
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "R1 1 0 RSPEC\n"
-                          "Q1 2 1 0 MODEL\n"
-                          "*Error : No Model attribute found for component Q1\n"
-                          "R2 1 2 0\n"
-                          "*Warning: No Value For R2.Defaulting to 0\n"
-                          "D1 2 0\n"
-                          "*Warning: No Model For D1.Defaulting to\n"
-                          "U1 1 2\n"
-                          "*Warning: No Value For U1.No Default\n"
-                          "* Dictionary 3\n"
-                          "* OUT=2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
+                          "R1 1 0 RSPEC\nQ1 2 1 0 MODEL\n"
+                          "*Error : No Model attribute found for component Q1\nR2 1 2 0\n"
+                          "*Warning: No Value For R2.Defaulting to 0\nD1 2 0\n"
+                          "*Warning: No Model For D1.Defaulting to\nU1 1 2\n"
+                          "*Warning: No Value For U1.No Default\n* Dictionary 3\n* OUT=2\n* GND=0\n"
+                          "* IN = 1\n\n*.END\n");
   EXPECT_EQ(run.output,
             "*Error : No Model attribute found for component Q1\n"
-            "*Warning: No Value For R2.Defaulting  to 0\n"
-            "*Warning: No Model For D1.Defaulting  to \n"
+            "*Warning: No Value For R2.Defaulting  to 0\n*Warning: No Model For D1.Defaulting  to \n"
             "*Warning: No Value For U1.No Default\n");
 }
 
@@ -170,38 +132,9 @@ TEST(DeckLines, AlienSimulatorGetsNoDefaults) {
   VeskRun run = RunVesk(DefaultsDesign(), "-a TOP");
   ASSERT_EQ(run.rc, 0) << run.output;
   EXPECT_EQ(run.deck, Head("-a TOP") +
-                          "R1 1 0\n"
-                          "Q1 2 1 0\n"
-                          "R2 1 2\n"
-                          "D1 2 0\n"
-                          "U1 1 2\n"
-                          "* Dictionary 3\n"
-                          "* OUT=2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
+                          "R1 1 0\nQ1 2 1 0\nR2 1 2\nD1 2 0\nU1 1 2\n* Dictionary 3\n* OUT=2\n* GND=0\n"
+                          "* IN = 1\n\n*.END\n");
   EXPECT_EQ(run.output, "");
-}
-
-TEST(DeckLines, HierarchicalDeckDefaultsToTheFirstPartOfTheName) {
-  std::string design = TopDesign(Comp("X1", "AMP.1", R"("PREFIX": "X")", "", Pins("IN", "OUT")) + ", " +
-                                 Comp("D1", "DIODE.1", R"("PREFIX": "D")", "", Pins("OUT", "GND", "A", "K")));
-  VeskRun run = RunVesk(design, "-h -z TOP");
-  ASSERT_EQ(run.rc, 0) << run.output;
-  // An X line of a primitive names the part ahead of its body, and the body defaults to it.
-  EXPECT_EQ(run.deck, Head("-h -z TOP", true) +
-                          "X1 1 2 AMP AMP\n"
-                          "*Warning: No Model For X1.Defaulting to AMP\n"
-                          "D1 2 0 DIODE\n"
-                          "*Warning: No Model For D1.Defaulting to DIODE\n"
-                          "* Dictionary 3\n"
-                          "* GND=0\n"
-                          "* OUT=2\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n"
-                          "\n");
 }
 
 // Values that refer to other attributes with "@", written for three dialects.
@@ -225,23 +158,9 @@ std::string ReferenceLines(const std::string& r2, const std::string& r3, const s
                            const std::string& r6) {
   return "R1 1 0 6.000000\n"
          "R2 1 0 " +
-         r2 +
-         "\n"
-         "R3 1 0 " +
-         r3 +
-         "\n"
-         "R4 1 0 7.000000\n"
-         "R5 1 0 1000.000000 TC=" +
-         r5 +
-         "\n"
-         "R6 1 0 1000.000000 TC=" +
-         r6 +
-         "\n"
-         "R7 1 0 1000.000000 W=2.000000U\n"
-         "* Dictionary 2\n"
-         "* GND=0\n"
-         "* IN = 1\n"
-         "\n";
+         r2 + "\nR3 1 0 " + r3 + "\nR4 1 0 7.000000\nR5 1 0 1000.000000 TC=" + r5 +
+         "\nR6 1 0 1000.000000 TC=" + r6 +
+         "\nR7 1 0 1000.000000 W=2.000000U\n* Dictionary 2\n* GND=0\n* IN = 1\n\n";
 }
 
 TEST(DeckLines, ReferencesEvaluateOrStayAsExpressionsOfTheDialect) {
@@ -284,17 +203,9 @@ TEST(DeckLines, UnitsFollowTheParameterNameAndValuesTakeEngineeringForm) {
   EXPECT_EQ(run.deck, Head("-z TOP") +
                           "M1 1 2 0 0 NCH 1000.000000N 10.000000U\n"
                           "M2 1 2 0 0 NCH L=2.000000U W=4.000000U AS=3.000000P AD=5.000000P M=2.000000U\n"
-                          "R1 2 0 50.800000U\n"
-                          "R2 2 0 10.000000K\n"
-                          "R3 2 0 1000.000000MEG\n"
-                          "R4 2 0 1000.000000U\n"
-                          "R5 2 0 6.000000\n"
-                          "R6 2 0 ABC\n"
-                          "* Dictionary 3\n"
-                          "* GND=0\n"
-                          "* IN=2\n"
-                          "* OUT=1\n"
-                          "*.END\n");
+                          "R1 2 0 50.800000U\nR2 2 0 10.000000K\nR3 2 0 1000.000000MEG\n"
+                          "R4 2 0 1000.000000U\nR5 2 0 6.000000\nR6 2 0 ABC\n* Dictionary 3\n* GND=0\n"
+                          "* IN=2\n* OUT=1\n*.END\n");
 }
 
 }  // namespace

@@ -15,8 +15,8 @@ using deckexpect::Part;
 // A one-block design around the given components, resistors by default.
 std::string Design(const std::string& components) {
   return R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" },
-                          "PROBE.1": { "PREFIX": "P" }, "SUB.1": { "DESC": "sub" } },
-              "blocks": [ { "name": "TOP", "components": [ )" +
+    "PROBE.1": { "PREFIX": "P" }, "SUB.1": { "DESC": "sub" } }, "blocks": [ { "name": "TOP",
+        "components": [)" +
          components + " ] } ] }";
 }
 
@@ -31,17 +31,8 @@ TEST(PinOrderDeckTest, PinOrderAttributesAndNoPins) {
               "TOP");
   EXPECT_EQ(run.output, "");
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "R1 1 2 2.000000K\n"
-                          "R2 0 N0 2 3.000000K\n"
-                          "R3 4.000000K\n"
-                          "R4 1 0 5.000000K\n"
-                          "R5 1 0 6.000000K\n"
-                          "* Dictionary 3\n"
-                          "* GND=0\n"
-                          "* IN=2\n"
-                          "* OUT = 1\n"
-                          "\n"
-                          "*.END\n");
+                          "R1 1 2 2.000000K\nR2 0 N0 2 3.000000K\nR3 4.000000K\nR4 1 0 5.000000K\n"
+                          "R5 1 0 6.000000K\n* Dictionary 3\n* GND=0\n* IN=2\n* OUT = 1\n\n*.END\n");
 }
 
 TEST(UnconnectedPinDeckTest, PinsWithoutANetGetNodesOfTheirOwnAndANote) {
@@ -52,38 +43,19 @@ TEST(UnconnectedPinDeckTest, PinsWithoutANetGetNodesOfTheirOwnAndANote) {
                                Part("R4", "RES.1", R"("VALUE": "5K")", "A=4 B")),
                         "TOP");
   EXPECT_EQ(run.output,
-            "* Pin R1.B is not connected\n"
-            "* Pin  is not connected\n"
-            "* Pin  is not connected\n"
+            "* Pin R1.B is not connected\n* Pin  is not connected\n* Pin  is not connected\n"
             "* Pin  is not connected\n");
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "R1 1 N0 2.000000K\n"
-                          "* Pin R1.B is not connected\n"
-                          "R2 N1 0 3.000000K\n"
-                          "* Pin  is not connected\n"
-                          "R3 2 N3 4.000000K\n"
-                          "* Pin  is not connected\n"
-                          "R4 3 N5 5.000000K\n"
-                          "* Pin  is not connected\n"
-                          "* Dictionary 4\n"
-                          "* 4=3\n"
-                          "* N2=2\n"
-                          "* GND=0\n"
-                          "* IN = 1\n"
-                          "\n"
-                          "*.END\n");
+                          "R1 1 N0 2.000000K\n* Pin R1.B is not connected\nR2 N1 0 3.000000K\n"
+                          "* Pin  is not connected\nR3 2 N3 4.000000K\n* Pin  is not connected\n"
+                          "R4 3 N5 5.000000K\n* Pin  is not connected\n* Dictionary 4\n* 4=3\n* N2=2\n"
+                          "* GND=0\n* IN = 1\n\n*.END\n");
 }
 
 TEST(BusPinDeckTest, AConnectedBusPinIsOneNodeNamedAfterTheBus) {
-  const std::string design = Design(R"(
-    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
-      "pins": [ { "name": "D[1:0]", "bus": "D", "nets": ["D1", "D0"] }, { "name": "B", "net": "GND" } ] })");
-  const std::string lines =
-      "R1 1 0 2.000000K\n"
-      "* Dictionary 2\n"
-      "* GND=0\n"
-      "* D = 1\n"
-      "\n";
+  const std::string design = Design(R"({ "label": "R1", "name": "RES.1", "attributes": { "VALUE": "2K" },
+    "pins": [ { "name": "D[1:0]", "bus": "D", "nets": ["D1", "D0"] }, { "name": "B", "net": "GND" } ] })");
+  const std::string lines = "R1 1 0 2.000000K\n* Dictionary 2\n* GND=0\n* D = 1\n\n";
   EXPECT_EQ(RunVesk(design, "TOP").deck, Head("TOP") + lines + "*.END\n");
   EXPECT_EQ(RunVesk(design, "-h TOP").deck, Head("-h TOP", true) + lines + "*.END\n\n");
 }
@@ -95,23 +67,15 @@ const std::string kProbes = Part("R1", "RES.1", R"("VALUE": "2K")", "A=A B=GND")
                             Part("R2", "RES.1", R"("VALUE": "3K")", "A=OUT B=GND") + ", " +
                             Part("R3", "RES.1", R"("VALUE": "4K", "PROBE": "i")", "A=OUT B=GND");
 
-const char* const kProbeDictionary =
-    "* Dictionary 3\n"
-    "* OUT=2\n"
-    "* GND=0\n"
-    "* A = 1\n"
-    "\n";
+const char* const kProbeDictionary = "* Dictionary 3\n* OUT=2\n* GND=0\n* A = 1\n\n";
 
 TEST(VoltageProbeDeckTest, AFlatDeckKeepsTheMarkersAndANoteWaitsForTheNextLine) {
   // The probe of P2 takes node 2 for OUT and N0 for its open pin; writing its pins invents N1.
   VeskRun run = RunVesk(Design(kProbes), "TOP");
   EXPECT_EQ(run.output, "* Pin  is not connected\n");
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "R1 1 0 2.000000K\n"
-                          "* voltage probe on node :  1 0\n"
-                          "* voltage probe on node :  2 N1\n"
-                          "R2 2 0 3.000000K\n"
-                          "* Pin  is not connected\n"
+                          "R1 1 0 2.000000K\n* voltage probe on node :  1 0\n"
+                          "* voltage probe on node :  2 N1\nR2 2 0 3.000000K\n* Pin  is not connected\n"
                           "R3 2 0 4.000000K\n" +
                           kProbeDictionary + "*.END\n");
 }
@@ -119,17 +83,16 @@ TEST(VoltageProbeDeckTest, AFlatDeckKeepsTheMarkersAndANoteWaitsForTheNextLine) 
 const char* const kGroundWarning = "*Warning : No ground node (Label a net GND)";
 
 // No net of the design is ground.
-const std::string kNoGround = R"(
-    { "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [ { "name": "P", "net": "A" } ] },
-    )" + Part("R1", "RES.1", R"("VALUE": "3K")", "A=A B=B");
+const std::string kNoGround =
+    R"({ "label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [ { "name": "P",
+        "net": "A" } ] },)" +
+    Part("R1", "RES.1", R"("VALUE": "3K")", "A=A B=B");
 
 std::string NoGroundDesign() {
   std::string design = Design(kNoGround);
   design.replace(design.rfind("] }"), 3,
-                 R"(,
-    { "name": "SUB", "ports": [ { "name": "P", "net": "P" } ], "components": [
-      )" + Part("R2", "RES.1", R"("VALUE": "2K")", "A=P B=Q") +
-                     R"( ] } ] })");
+                 R"(, { "name": "SUB", "ports": [ { "name": "P", "net": "P" } ], "components": [)" +
+                     Part("R2", "RES.1", R"("VALUE": "2K")", "A=P B=Q") + R"( ] } ] })");
   return design;
 }
 
@@ -137,11 +100,7 @@ TEST(DictionaryDeckTest, AFlatDeckWithoutGroundEndsItsDictionaryWithTheWarning) 
   VeskRun run = RunVesk(NoGroundDesign(), "TOP");
   EXPECT_EQ(run.output, std::string(kGroundWarning) + "\n");
   EXPECT_EQ(run.deck, Head("TOP") +
-                          "RX12 1 2 2.000000K\n"
-                          "R1 1 3 3.000000K\n"
-                          "* Dictionary 3\n"
-                          "* B=3\n"
-                          "* X1\\Q=2\n"
+                          "RX12 1 2 2.000000K\nR1 1 3 3.000000K\n* Dictionary 3\n* B=3\n* X1\\Q=2\n"
                           "* A=1\n" +
                           kGroundWarning + "\n*.END\n");
 }
@@ -150,19 +109,9 @@ TEST(DictionaryDeckTest, AHierarchicalDeckWarnsInTheRootOnly) {
   VeskRun run = RunVesk(NoGroundDesign(), "-h TOP");
   EXPECT_EQ(run.output, std::string(kGroundWarning) + "\n");
   EXPECT_EQ(run.deck, Head("-h TOP", true) +
-                          "*Definition For Project SUB\n"
-                          ".SUBCKT SUB 1\n"
-                          "R2 1 2 2.000000K\n"
-                          "* CROSS-REFERENCE 2\n"
-                          "* Q=2\n"
-                          "* P=1\n"
-                          ".ENDS\n"
-                          "\n"
-                          "X1 1 SUB\n"
-                          "R1 1 2 3.000000K\n"
-                          "* Dictionary 2\n"
-                          "* B=2\n"
-                          "* A=1\n" +
+                          "*Definition For Project SUB\n.SUBCKT SUB 1\nR2 1 2 2.000000K\n"
+                          "* CROSS-REFERENCE 2\n* Q=2\n* P=1\n.ENDS\n\nX1 1 SUB\nR1 1 2 3.000000K\n"
+                          "* Dictionary 2\n* B=2\n* A=1\n" +
                           kGroundWarning + "\n\n*.END\n\n");
 }
 

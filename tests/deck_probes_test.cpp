@@ -16,16 +16,19 @@ using deckexpect::Part;
 // places BUF, which probes Q. Hierarchical instances carry an (empty) ORDER.
 const std::string kAmp = R"("type": 2, "child": "AMP", "attributes": { "ORDER": "" })";
 const std::string kDesign =
-    R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" }, "VSRC.1": { "PREFIX": "V", "ORDER": "\"DC\" VALUE$" } },
-      "blocks": [ { "name": "TOP", "components": [ )" +
+    R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" }, "VSRC.1": { "PREFIX": "V",
+        "ORDER": "\"DC\" VALUE$" } },
+    "blocks": [ { "name": "TOP", "components": [)" +
     Part("V1", "VSRC.1", R"("VALUE": "5")", "P=IN N=GND") + ", " +
     Part("X1", "AMP.1", "", "A=IN B=OUT", kAmp) + ", " + Part("X2", "AMP.1", "", "A=OUT B=GND", kAmp) + ", " +
     Part("P1", "VPROBE.1", R"("PROBE": "V")", "A=OUT") +
-    R"( ] }, { "name": "AMP", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ], "components": [ )" +
+    R"( ] }, { "name": "AMP", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],
+        "components": [ )" +
     Part("R1", "RES.1", R"("VALUE": "1K", "PROBE": "i")", "A=A B=MID") + ", " +
     Part("X3", "BUF.1", "", "P=MID Q=B", R"("type": 2, "child": "BUF", "attributes": { "ORDER": "" })") +
     ", " + Part("P2", "VPROBE.1", R"("PROBE": "V")", "A=MID") +
-    R"( ] }, { "name": "BUF", "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ], "components": [ )" +
+    R"( ] }, { "name": "BUF", "ports": [ { "name": "P", "net": "P" }, { "name": "Q", "net": "Q" } ],
+        "components": [ )" +
     Part("R9", "RES.1", R"("VALUE": "2K")", "A=P B=Q") + ", " +
     Part("P3", "VPROBE.1", R"("PROBE": "V")", "A=Q") + " ] } ] }";
 
@@ -42,8 +45,7 @@ const char kNamedBody[] =
 // The same with node numbers.
 const char kNumberedBody[] =
     "*Definition For Project BUF\n.SUBCKT BUF 1 2\nR9 1 2 2.000000K\n* CROSS-REFERENCE 2\n* Q=2\n* P=1\n"
-    ".ENDS\n\n\n"
-    "*Definition For Project AMP\n.SUBCKT AMP 1 2\nR1 1 3 1000.000000\nX3 3 2 BUF\n"
+    ".ENDS\n\n\n*Definition For Project AMP\n.SUBCKT AMP 1 2\nR1 1 3 1000.000000\nX3 3 2 BUF\n"
     "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.ENDS\n\n"
     "V1 1 0 DC 5.000000\nX1 1 2 AMP\nX2 2 0 AMP\n* Dictionary 3\n* OUT=2\n* GND=0\n";
 
@@ -172,8 +174,8 @@ TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
 // the definition or root whose nets carry them; HSPICE and Berkeley put no brackets.
 const std::string kInitialDesign =
     R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } }, "blocks": [ { "name": "TOP",
-      "nets": [ { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
-                { "label": "IN",  "attributes": { "NODESET": "5", "GUESS": "4" } } ], "components": [ )" +
+    "nets": [ { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
+    { "label": "IN",  "attributes": { "NODESET": "5", "GUESS": "4" } } ], "components": [)" +
     Part("X1", "AMP.1", "", "A=IN B=OUT", kAmp) + ", " +
     Part("R1", "RES.1", R"("VALUE": "1K")", "A=OUT B=GND") +
     R"( ] }, { "name": "AMP", "ports": [ { "name": "A", "net": "A" }, { "name": "B", "net": "B" } ],

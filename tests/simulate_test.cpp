@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
@@ -63,27 +64,18 @@ std::string Lower(std::string text) {
   return text;
 }
 
-std::string Trim(const std::string& text) {
-  size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
-/// The vectors that "print all" lists after an operating point, lower case, node voltages under
-/// their node ("v(2)" and "2" alike), branch currents as ngspice names them ("v1#branch").
+/// The vectors that "print all" lists after an operating point ("name = number" lines), lower
+/// case, node voltages under their node ("v(2)" and "2" alike), branch currents as ngspice names
+/// them ("v1#branch").
 std::map<std::string, double> ParsePrintAll(const std::string& output) {
   std::map<std::string, double> values;
   std::istringstream lines(output);
-  std::string line;
+  std::string line, name, equals, rest;
+  double value;
   while (std::getline(lines, line)) {
-    size_t equals = line.find(" = ");
-    if (equals == std::string::npos) continue;
-    std::string name = Lower(Trim(line.substr(0, equals)));
-    std::string number = Trim(line.substr(equals + 3));
-    if (name.empty() || name.find(' ') != std::string::npos || number.empty()) continue;
-    char* end = nullptr;
-    double value = std::strtod(number.c_str(), &end);
-    if (end == number.c_str() || Trim(end).size() != 0) continue;
+    std::istringstream words(line);
+    if (!(words >> name >> equals >> value) || equals != "=" || (words >> rest)) continue;
+    name = Lower(name);
     if (name.size() > 3 && name.compare(0, 2, "v(") == 0 && name.back() == ')')
       name = name.substr(2, name.size() - 3);
     values[name] = value;
@@ -95,18 +87,15 @@ std::map<std::string, double> ParsePrintAll(const std::string& output) {
 /// nets whose node differs from their name are listed there.
 std::map<std::string, std::string> RootDictionary(const std::string& deck) {
   std::map<std::string, std::string> entries;
-  std::istringstream lines(deck);
+  std::istringstream lines(deck.substr(std::min(deck.find("* Dictionary "), deck.size())));
   std::string line;
-  bool inside = false;
-  while (std::getline(lines, line)) {
-    if (line.rfind("* Dictionary ", 0) == 0) {
-      inside = true;
-      continue;
-    }
-    if (!inside) continue;
-    size_t equals = line.find('=');
-    if (line.rfind("* ", 0) != 0 || equals == std::string::npos) break;
-    entries[Trim(line.substr(2, equals - 2))] = Trim(line.substr(equals + 1));
+  std::getline(lines, line);
+  while (std::getline(lines, line) && line.rfind("* ", 0) == 0 && line.find('=') != std::string::npos) {
+    std::istringstream entry(line.substr(2));
+    std::string net, node;
+    std::getline(entry, net, '=');
+    entry >> node;
+    entries[net.substr(0, net.find_last_not_of(' ') + 1)] = node;
   }
   return entries;
 }
@@ -121,22 +110,6 @@ bool MentionsError(const std::string& text) { return Lower(text).find("error") !
 /// What a copy of the deck gets behind it: the operating point. ngspice reads its first line as
 /// the title; the closing .end stands in for the deck's comment "*.END".
 const char kControlSection[] = ".control\nop\nprint all\nquit 0\n.endc\n.end\n";
-
-/// Runs ngspice in `folder` on the deck with `control` behind it, in the compatibility mode
-/// `ngBehavior`, set in .spiceinit there (an empty file keeps a user's own away). The deck the
-/// program wrote is left as it is. Returns the exit code; `output` gets both streams.
-int Simulate(const std::string& ngspice, const std::string& folder, const std::string& deck,
-             const std::string& control, const std::string& ngBehavior, std::string& output) {
-  std::ofstream(folder + "/simulate.cir", std::ios::binary) << deck << control;
-  {
-    std::ofstream init(folder + "/.spiceinit", std::ios::binary);
-    if (!ngBehavior.empty()) init << "set ngbehavior=" << ngBehavior << "\n";
-  }
-  std::string errors;
-  int rc = RunProgram(ngspice, "-b simulate.cir", folder, {}, output, errors);
-  output += errors;
-  return rc;
-}
 
 /// Checks that `values` holds exactly the names of `expected`, each with its value. ngspice
 /// prints six significant digits.
@@ -182,8 +155,13 @@ TEST_P(SimulateTest, OperatingPointOfTheDivider) {
   std::set<std::string> distinct = {in, mid, out, "0"};
   ASSERT_EQ(distinct.size(), 4u) << "IN, MID, OUT and GND must have nodes of their own:\n" << deck;
 
-  std::string output;
-  int rc = Simulate(ngspice, run.folder, deck, kControlSection, dialect.ngBehavior, output);
+  // The compatibility mode goes into .spiceinit there (an empty file keeps a user's own away).
+  std::ofstream(run.folder + "/simulate.cir", std::ios::binary) << deck << kControlSection;
+  std::ofstream(run.folder + "/.spiceinit", std::ios::binary)
+      << (dialect.ngBehavior.empty() ? "" : "set ngbehavior=" + dialect.ngBehavior + "\n");
+  std::string output, errors;
+  int rc = RunProgram(ngspice, "-b simulate.cir", run.folder, {}, output, errors);
+  output += errors;
   std::string transcript = "deck:\n" + deck + "\nngspice output:\n" + output;
   ASSERT_EQ(rc, 0) << transcript;
   EXPECT_FALSE(MentionsError(output)) << transcript;

@@ -15,20 +15,14 @@
 namespace {
 
 // A VHDL-AMS instance U1 of mylib.counter, with a resistor to ground behind it.
-const char kDesign[] = R"({
-  "groups": { "G1": { "internal_id": "7A" } },
-  "blocks": [
-    { "name": "TOP",
-      "components": [
-        { "label": "U1", "name": "CNT",
-          "attributes": { "SIMULATION MODEL": "VHDL", "VHDL MODEL": "mylib.counter", "PART NUMBER": "PN2" },
-          "group": "G1", "number": 1,
-          "pins": [ { "name": "RST", "net": "GND" }, { "name": "CLK", "net": "CK" }, { "name": "Q", "net": "QO" } ] },
-        { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
-          "pins": [ { "name": "A", "net": "QO" }, { "name": "B", "net": "GND" } ] }
-      ] }
-  ]
-})";
+const char kDesign[] = R"({ "groups": { "G1": { "internal_id": "7A" } }, "blocks": [ { "name": "TOP",
+    "components": [ { "label": "U1", "name": "CNT",
+    "attributes": { "SIMULATION MODEL": "VHDL", "VHDL MODEL": "mylib.counter", "PART NUMBER": "PN2" },
+    "group": "G1", "number": 1,
+    "pins": [ { "name": "RST", "net": "GND" }, { "name": "CLK", "net": "CK" }, { "name": "Q",
+        "net": "QO" } ] },
+    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
+    "pins": [ { "name": "A", "net": "QO" }, { "name": "B", "net": "GND" } ] } ] } ] })";
 
 const char kModelsError[] = "Error while reading 'Sym/Models_Info.xml' file\n";
 const char kInstancesError[] = "Error while reading 'sym\\Instances_Info.xml' file\n";
@@ -54,11 +48,7 @@ std::string Deck(const std::string& u1) {
          "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ -h TOP\n* Levels    "
          ":\n*\n" +
          u1 +
-         "\nR1 QO 0 1000.000000\n"
-         "* Dictionary 1\n"
-         "* GND=0\n"
-         ".model counter macro lang=vhdlams LIB=mylib\n"
-         "\n";
+         "\nR1 QO 0 1000.000000\n* Dictionary 1\n* GND=0\n.model counter macro lang=vhdlams LIB=mylib\n\n";
 }
 
 const char kMapped[] = "YU1 counter GENERIC: WIDTH=\"32\" PORT: CK QO";

@@ -184,7 +184,9 @@ TEST(DeckNameTest, DeckPathFromSwitchesAndIniFile) {
     EXPECT_EQ(run.rc, 0) << c.args << " " << c.deckPath;
     EXPECT_EQ(run.output, "") << c.args << " " << c.deckPath;
     EXPECT_EQ(run.deck, FlatDeck(c.args)) << c.args << " " << c.deckPath;
-    if (std::string(c.deckPath) != "TOP.cir") EXPECT_FALSE(run.Exists("TOP.cir")) << c.deckPath;
+    if (std::string(c.deckPath) != "TOP.cir") {
+      EXPECT_FALSE(run.Exists("TOP.cir")) << c.deckPath;
+    }
   }
 }
 

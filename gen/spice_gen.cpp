@@ -41,6 +41,33 @@ void CSpiceGen::OpenWirelist(SpiceProject& project) {
   out.Open(FileSystemPath(circuitPath));
 }
 
+void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame) {
+  SpiceBlock& root = project.Root();
+  OpenWirelist(project);
+  WriteHeader(root);
+  if (frame.hdlIncludes) WriteHdlIncludes(root.Name());
+  if (!frame.definitionsBehindRoot)
+    for (SpiceBlock& block : project.SubBlocks()) WriteDefinition(block);
+  if (frame.rootAsDefinition) {
+    WriteDefinition(root);
+  } else {
+    BeginBlock(root);
+    WriteRootComponents(root);
+  }
+  if (frame.generatorStatements) WriteGeneratorStatements();
+  if (dictionary) WriteDictionary(0);
+  WriteInitialConditions(root);
+  if (frame.definitionsBehindRoot)
+    for (auto block = project.SubBlocks().rbegin(); block != project.SubBlocks().rend(); ++block)
+      WriteDefinition(*block);
+  if (frame.globals == DeckFrame::kGlobalsBeforeIncludes) WriteGlobals();
+  WriteModelIncludes();
+  WriteModelDirectives();
+  if (frame.optionsLine) out << ".OPTIONS INGOLD=2 CSDF=2\n";
+  if (frame.endMark) out << "*.END\n";
+  if (frame.globals == DeckFrame::kGlobalsAtEnd) WriteGlobals();
+}
+
 void CSpiceGen::BeginBlock(SpiceBlock& block) {
   // Each block is written once: its table moves here instead of being copied.
   nodes = std::move(block.NodeMap());

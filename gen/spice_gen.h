@@ -26,6 +26,23 @@
 class SpiceReader;
 struct SpiceSubckt;
 
+/// What sets the frames of the dialects apart; CSpiceGen::RunFrame writes a whole deck by it.
+struct DeckFrame {
+  /// Where the .global lines go.
+  enum Globals { kNoGlobals, kGlobalsBeforeIncludes, kGlobalsAtEnd };
+  /// The genhdl source and boundary includes behind the header (Kelpo).
+  bool hdlIncludes = false;
+  /// The root written as one more definition instead of as the deck's own lines.
+  bool rootAsDefinition = false;
+  /// The definitions behind the root's lines, parents first, instead of ahead of them.
+  bool definitionsBehindRoot = false;
+  /// The statements of generator components behind the root's lines.
+  bool generatorStatements = false;
+  Globals globals = kNoGlobals;
+  bool optionsLine = false;
+  bool endMark = true;
+};
+
 class CSpiceGen : public WireOptions, public SpiceConfig {
  public:
   CSpiceGen() = default;
@@ -53,6 +70,12 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
 
   // ---- gen/spice_gen.cpp: frame of a run ----
   void SetDatabaseName(std::string) { databaseName = "database"; }
+  /// The whole deck in the order `frame` gives: header, definitions, root, closing lines.
+  void RunFrame(SpiceProject& project, const DeckFrame& frame);
+  /// The root's component loop; a flavour that writes some components its own way overrides it.
+  virtual void WriteRootComponents(SpiceBlock& root) { WriteComponents(root); }
+  /// Lines a flavour adds behind the model includes.
+  virtual void WriteModelDirectives() {}
   void OpenWirelist(SpiceProject& project);
   void BeginBlock(SpiceBlock& block);
   /// The component loop of a block: stops at a component without attributes.

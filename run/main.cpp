@@ -6,8 +6,8 @@
 
 #include "design/spice_project.h"
 #include "gen/flavours.h"
+#include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
-#include "model/kelpo_gen.h"
 #include "model/model_mapping.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // CKelpoSpiceGen: the Kelpo deck frame, HDL instance lines, model directives and netUidMap.
-#include "model/kelpo_gen.h"
+#include "gen/kelpo_gen.h"
 
 #include <iostream>
 
@@ -39,14 +39,19 @@ std::string OverridingValue(const SpiceComp& comp, const std::string& name) {
 void CKelpoSpiceGen::Run(SpiceProject& project) {
   // The design walk is over; the post pass reads the parameter files it produced.
   FlushParameterFiles();
-  OpenWirelist(project);
-  SpiceBlock& root = project.Root();
-  WriteHeader(root);
-  WriteHdlIncludes(root.Name());
-  if (!hdlSpiceSources)
-    for (SpiceBlock& block : project.SubBlocks()) WriteDefinition(block);
+  DeckFrame frame;
+  frame.hdlIncludes = true;
+  // HDL-source decks hold the definitions behind the root's lines and have no end line.
+  frame.definitionsBehindRoot = hdlSpiceSources;
+  frame.generatorStatements = true;
+  frame.globals = DeckFrame::kGlobalsAtEnd;
+  frame.endMark = !hdlSpiceSources;
+  RunFrame(project, frame);
+  if (out.IsOpen()) out.Close();
+  WriteNetUidMap(project.Root().Name());
+}
 
-  BeginBlock(root);
+void CKelpoSpiceGen::WriteRootComponents(SpiceBlock& root) {
   for (SpiceComp& comp : root.Comps()) {
     if (!comp.HasAttributes()) break;
     MapComponentName(comp, root.Name());
@@ -56,23 +61,6 @@ void CKelpoSpiceGen::Run(SpiceProject& project) {
     }
     Dispatch(comp, true);
   }
-  WriteGeneratorStatements();
-  if (dictionary) WriteDictionary(0);
-  WriteInitialConditions(root);
-
-  if (hdlSpiceSources) {
-    // Parents before children, behind the root's lines; the deck has no end line.
-    for (auto block = project.SubBlocks().rbegin(); block != project.SubBlocks().rend(); ++block)
-      WriteDefinition(*block);
-  }
-  WriteModelIncludes();
-  WriteModelDirectives();
-  if (!hdlSpiceSources)
-    out << "*.END"
-        << "\n";
-  WriteGlobals();
-  if (out.IsOpen()) out.Close();
-  WriteNetUidMap(root.Name());
 }
 
 void CKelpoSpiceGen::WriteDefinition(SpiceBlock& block) {

@@ -15,13 +15,15 @@ class CKelpoSpiceGen : public CSpiceGen {
   /// Writes the whole deck, then the netUidMap file beside it.
   void Run(SpiceProject& project);
   void WriteDefinition(SpiceBlock& block) override;
+  /// The root's components by their model word, each entered in the netUidMap.
+  void WriteRootComponents(SpiceBlock& root) override;
 
   void WriteVerilogInstance(const SpiceComp& comp);
   void WriteVerilogParameters(const SpiceComp& comp);
   void WriteVhdlInstance(const SpiceComp& comp);
   void WriteVhdlGenerics(const SpiceComp& comp);
   void WriteModelGenerics(const SpiceComp& comp);
-  void WriteModelDirectives();
+  void WriteModelDirectives() override;
 
   /// Deck lines declaring the HDL models in use, unique ignoring case, in order of first use.
   std::vector<std::string> modelDirectives;

@@ -4,6 +4,8 @@
 #include <cctype>
 #include <cstring>
 
+#include "expr/text.h"
+
 int32_t inventedNodes = 0;
 
 namespace {
@@ -17,26 +19,13 @@ bool HasValue(const NodeTable& table, const std::string& key) {
   return it != table.end() && !it->second.empty();
 }
 
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
-bool EqualsIgnoringCase(const std::string& text, size_t pos, const char* word) {
-  size_t length = std::strlen(word);
-  if (text.size() - pos != length) return false;
-  for (size_t i = 0; i < length; ++i)
-    if (std::toupper(static_cast<unsigned char>(text[pos + i])) != word[i]) return false;
-  return true;
-}
-
 // A node for a pin without a net: N<n>, skipping every text the table already uses.
 std::string InventNode(const NodeTable& table) {
   for (;;) {
     int32_t n = inventedNodes++;
     std::string number = std::to_string(n);
     std::string text = "N" + number;
-    if (!HasValue(table, text) && !HasValue(table, Lower(text)) && !HasValue(table, number)) return text;
+    if (!HasValue(table, text) && !HasValue(table, LowerText(text)) && !HasValue(table, number)) return text;
   }
 }
 
@@ -71,7 +60,8 @@ struct Filter {
   void PspiceRule(char c) {
     if (!first) return TakeIf(c, IsLetterOrDigit(c) || c == '_');
     first = false;
-    if (EqualsIgnoringCase(name, pos, "$G_") || EqualsIgnoringCase(name, pos, "$D_")) {
+    const std::string_view rest = std::string_view(name).substr(pos);
+    if (EqualsIgnoringCase(rest, "$G_") || EqualsIgnoringCase(rest, "$D_")) {
       result += name.substr(pos, 3);
       pos += 3;
       return;

@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "design/probe_text.h"
+#include "expr/text.h"
 
 std::map<std::string, std::string> globalNets;
 std::unordered_map<std::string, std::string> netDictionary;
@@ -18,19 +19,6 @@ const std::string kEmpty;
 const std::string& Peek(const NodeTable& table, const std::string& key) {
   auto it = table.find(key);
   return it == table.end() ? kEmpty : it->second;
-}
-
-bool EqualIgnoringCase(const std::string& a, const char* b) {
-  size_t i = 0;
-  for (; i < a.size() && b[i]; ++i)
-    if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
-      return false;
-  return i == a.size() && !b[i];
-}
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
 }
 
 std::string LabelOfFirstNet(const Tessel::IteratorT<const Tessel::IPin>& pin) {
@@ -176,7 +164,7 @@ void SpiceBlock::ScanShunts(Tessel::ContainerT<const Tessel::IBlock> shuntBlock)
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
     Tessel::String exclude;
     it->GetAttribute("$$NotCommonProperty_EXCLUDE", exclude, Tessel::eAttrInstance);
-    if (!EqualIgnoringCase(exclude.str(), "shunt")) continue;
+    if (!EqualsIgnoringCase(exclude.str(), "shunt")) continue;
     JoinShunt(*it.operator->(), sets);
     any = true;
   }
@@ -248,7 +236,7 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
     if (kind == kPspice && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
     if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
   }
-  netDictionary[rawBlockName + "/" + Lower(Peek(nodeMap, n))] = net.InternalName();
+  netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
 
   const std::string& probe = attribute("PROBE");
   if (!probe.empty()) probes.emplace(ProbeExpression(options, probe, NodeName(options, n, nodeMap)), false);

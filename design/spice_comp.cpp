@@ -7,6 +7,8 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "expr/text.h"
+
 namespace {
 
 const std::string kEmpty;
@@ -17,24 +19,6 @@ ModelMapper installedMapper = nullptr;
 constexpr int kMaxBusBits = 65536;
 // From this many pins on, FindPin uses a hash index instead of a scan.
 constexpr size_t kIndexedPins = 16;
-
-std::string Upper(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
-bool EqualIgnoringCase(const std::string& a, const char* b) {
-  return a.size() == std::strlen(b) && Upper(a) == Upper(b);
-}
-
-bool StartsWith(const std::string& text, const char* head) {
-  return text.compare(0, std::strlen(head), head) == 0;
-}
 
 // The text between two positions, empty when they are out of order.
 std::string Between(const std::string& text, size_t from, size_t to) {
@@ -134,7 +118,7 @@ std::string StripBlockPrefix(const std::string& name) {
   return name.substr(close + 2);
 }
 
-std::string SpiceComp::Attribute(const std::string& key) const { return attrs.Get(Upper(key)); }
+std::string SpiceComp::Attribute(const std::string& key) const { return attrs.Get(UpperText(key)); }
 
 std::vector<std::string> SpiceComp::BareAttributes() const {
   std::vector<std::string> keys = bareKeys;
@@ -151,9 +135,9 @@ bool SpiceComp::IsHdlModel() const {
   std::string model = attrs.Get("SIMULATION MODEL");
   if (model.empty()) model = attrs.Get("SIMMODEL");
   const std::string& prefix = attrs.Get("PREFIX");
-  if (EqualIgnoringCase(prefix, "Y") || EqualIgnoringCase(prefix, "Y?")) return true;
-  return EqualIgnoringCase(model, "VHDL") || EqualIgnoringCase(model, "VHDL-AMS") ||
-         EqualIgnoringCase(model, "verilog") || EqualIgnoringCase(model, "veriloga");
+  if (EqualsIgnoringCase(prefix, "Y") || EqualsIgnoringCase(prefix, "Y?")) return true;
+  return EqualsIgnoringCase(model, "VHDL") || EqualsIgnoringCase(model, "VHDL-AMS") ||
+         EqualsIgnoringCase(model, "verilog") || EqualsIgnoringCase(model, "veriloga");
 }
 
 const ModelData& SpiceComp::Model() const { return model ? *model : kNoModel; }
@@ -191,7 +175,7 @@ void SpiceComp::GatherAttributes(const Tessel::IComp& comp) {
     hasAttributes = true;
     std::string key = entry.name.str();
     if (StartsWith(key, "$$NotCommonProperty")) key = key.size() > 20 ? key.substr(20) : std::string();
-    key = Upper(std::move(key));
+    key = UpperText(std::move(key));
     const std::string& value = entry.value.str();
     if (entry.level == Tessel::eAttrDefinition) {
       AttributeTable::SetIfEmptyIn(table, key, value);
@@ -249,10 +233,10 @@ void SpiceComp::DecideKind(const Tessel::IComp& comp, const WireOptions& options
   comp.GetType(type);
   if (type & Tessel::eCompHierarchical) {
     if (options.HasLevel(attrs.Get("LEVEL"))) {
-      kind = 3;
+      kind = kStoppedInstance;
       return;
     }
-    kind = 2;
+    kind = kInstance;
     Tessel::ContainerT<const Tessel::IBlock> child;
     comp.GetChildBlock(child);
     Tessel::String childName;
@@ -260,7 +244,7 @@ void SpiceComp::DecideKind(const Tessel::IComp& comp, const WireOptions& options
     childBlockName = StripBlockPrefix(childName.str());
     return;
   }
-  kind = (type & Tessel::eCompPrimitive) ? 1 : 0;
+  kind = (type & Tessel::eCompPrimitive) ? kPrimitive : kOtherComp;
 }
 
 namespace {
@@ -269,8 +253,9 @@ namespace {
 // no name at all (a stopped instance without a prefix).
 bool ChoosePrefix(const SpiceComp& comp, const WireOptions& options, std::string& prefix) {
   prefix = comp.attrs.Get("PREFIX");
-  std::string alternative = options.firstPrefix.empty() ? prefix : comp.attrs.Get(Upper(options.firstPrefix));
-  if ((comp.kind == 1 || comp.kind == 3) && !alternative.empty()) {
+  std::string alternative =
+      options.firstPrefix.empty() ? prefix : comp.attrs.Get(UpperText(options.firstPrefix));
+  if ((comp.kind == kPrimitive || comp.kind == kStoppedInstance) && !alternative.empty()) {
     prefix = alternative;
     return true;
   }
@@ -279,11 +264,11 @@ bool ChoosePrefix(const SpiceComp& comp, const WireOptions& options, std::string
     prefix = "Y";
     return true;
   }
-  if (comp.kind == 2) {
+  if (comp.kind == kInstance) {
     prefix = "X";
     return true;
   }
-  return comp.kind != 3;
+  return comp.kind != kStoppedInstance;
 }
 
 }  // namespace
@@ -303,8 +288,8 @@ void SpiceComp::FormDeckName(const WireOptions& options) {
   if (label.find('$') != std::string::npos && !designator.empty() && designator != " " &&
       question != designator.size() - 1)
     text = designator;
-  std::string lowerPrefix = Lower(prefix);
-  if (Lower(label).compare(0, lowerPrefix.size(), lowerPrefix) != 0)
+  std::string lowerPrefix = LowerText(prefix);
+  if (LowerText(label).compare(0, lowerPrefix.size(), lowerPrefix) != 0)
     text = options.flatten ? prefix + "\\" + text : prefix + text;
   text.erase(std::remove(text.begin(), text.end(), '$'), text.end());
   if (options.flatten && !hierName.empty())
@@ -437,7 +422,7 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
   GatherAttributes(comp);
 
   std::string exclude = attrs.Get("EXCLUDE");
-  if (EqualIgnoringCase(exclude, "yes") || EqualIgnoringCase(exclude, "shunt")) {
+  if (EqualsIgnoringCase(exclude, "yes") || EqualsIgnoringCase(exclude, "shunt")) {
     excluded = true;
     return;
   }

@@ -89,6 +89,14 @@ struct GatheredAttributes {
 };
 using GatheredAttributesCache = std::unordered_map<uint64_t, GatheredAttributes>;
 
+/// What a placed component is, as its deck line needs to know.
+enum CompKind : int32_t {
+  kOtherComp = 0,
+  kPrimitive = 1,
+  kInstance = 2,         // a hierarchical instance: an X line calling its block
+  kStoppedInstance = 3,  // an instance whose LEVEL a -l switch names: written as a primitive
+};
+
 class SpiceComp {
  public:
   /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
@@ -115,7 +123,7 @@ class SpiceComp {
   const std::string& InternalName() const { return internalName; }
   std::string QualifiedName() const;
   bool HasAttributes() const { return hasAttributes; }
-  int32_t Kind() const { return kind; }
+  CompKind Kind() const { return kind; }
   const std::string& ChildBlockName() const { return childBlockName; }
   int32_t PinCount() const { return pinCount; }
   bool IsHdlModel() const;
@@ -129,7 +137,7 @@ class SpiceComp {
   AttributeTable attrs;
   std::vector<std::string> bareKeys;  // instance keys with empty values, in arrival order
   std::vector<PinEntry> pinNets;
-  int32_t kind = 0;
+  CompKind kind = kOtherComp;
   bool hasAttributes = false;
   bool excluded = false;
   int32_t pinCount = 0;

@@ -7,17 +7,9 @@
 #include <iostream>
 
 #include "design/platform.h"
+#include "expr/text.h"
 
 namespace {
-
-std::string Upper(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
-
-bool EqualIgnoringCase(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && Upper(a) == Upper(b);
-}
 
 void ReplaceAll(std::string& text, char from, char to) {
   for (char& c : text)
@@ -127,7 +119,7 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   ReplaceAll(path, '/', '\\');
   size_t last = path.rfind('\\');
   std::string leaf = last == std::string::npos ? path : path.substr(last + 1);
-  if (EqualIgnoringCase(leaf, group)) path = last == std::string::npos ? "" : path.substr(0, last);
+  if (EqualsIgnoringCase(leaf, group)) path = last == std::string::npos ? "" : path.substr(0, last);
   size_t first = path.find('\\');
   std::string head = first == std::string::npos ? "" : path.substr(0, first);
   std::string tail = first == std::string::npos ? path : path.substr(first + 1);
@@ -163,7 +155,7 @@ void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& i
   const Tessel::IComp& comp = *instance.operator->();
   std::string parentName = ParentBlockName(comp);
   if (options.HasLevel(ReadLevel(comp))) return;
-  if (!EqualIgnoringCase(name, parentName)) return;
+  if (!EqualsIgnoringCase(name, parentName)) return;
   Tessel::ContainerT<const Tessel::IBlock> child;
   comp.GetChildBlock(child);
   std::string childName = NameOf(child);
@@ -229,7 +221,7 @@ void MakeRelativeToProject(std::string& path) {
   ReplaceAll(spelled, '/', '\\');
   ReplaceAll(folder, '/', '\\');
   while (!folder.empty() && (folder.back() == '\\' || folder.back() == '/')) folder.pop_back();
-  if (Upper(spelled).compare(0, folder.size(), Upper(folder)) != 0) return;
+  if (UpperText(spelled).compare(0, folder.size(), UpperText(folder)) != 0) return;
   path = "." + spelled.substr(folder.size());
 }
 

@@ -4,29 +4,18 @@
 #include <cctype>
 #include <string_view>
 
+#include "expr/text.h"
+
 namespace {
 
 constexpr size_t npos = std::string::npos;
 
-std::string_view TrimBlanks(std::string_view text) {
-  size_t first = 0, last = text.size();
-  while (first < last && std::isspace(static_cast<unsigned char>(text[first]))) ++first;
-  while (last > first && std::isspace(static_cast<unsigned char>(text[last - 1]))) --last;
-  return text.substr(first, last - first);
-}
-
-std::string ToUpper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
-
 // The value that replaces one word: the attribute named by a word with "@", trimmed.
 std::string ReplaceWord(std::string_view word, const AttributeLookup& lookup) {
-  word = TrimBlanks(word);
+  word = TrimView(word);
   if (word.find('@') == npos) return std::string(word);
-  std::string value = lookup(ToUpper(word));
-  std::string_view replacement = TrimBlanks(value);
+  std::string value = lookup(UpperText(std::string(word)));
+  std::string_view replacement = TrimView(value);
   if (value.empty()) return std::string(word);
   return std::string(replacement);
 }
@@ -116,7 +105,7 @@ std::string ExpandAttributeReferences(const std::string& text, const AttributeLo
   std::string result;
   std::string_view rest(text);
   while (true) {
-    rest = TrimBlanks(rest);
+    rest = TrimView(rest);
     if (rest.empty() || rest.find('@') == npos) break;
     size_t split = rest.find_first_of("()+-*/ ");
     if (split == npos) {
@@ -139,10 +128,10 @@ std::string CollapseQuotedBlanks(std::string line) {
 }
 
 std::string NormalizeOrderTemplate(std::string order) {
-  for (char& c : order) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  order = UpperText(std::move(order));
   MoveLength(order);
   MoveWidth(order);
-  return std::string(TrimBlanks(order));
+  return std::string(TrimView(order));
 }
 
 char EscapeCharacter(char ch) {

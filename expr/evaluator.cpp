@@ -41,10 +41,10 @@ double Shift(double a, double b, bool left) {
   return value >> count;
 }
 
-// Rows 1 to 10; row 5 is the mil.
+// The suffix rows, kOpFemto to kOpTera, indexing the factors.
 double ApplySuffix(int row, double v) {
   static const double kFactors[] = {0, 1e-15, 1e-12, 1e-9, 1e-6, 0, 1e-3, 1e3, 1e6, 1e9, 1e12};
-  return v * (row == 5 ? kMil : kFactors[row]);
+  return v * (row == kOpMil ? kMil : kFactors[row]);
 }
 
 // Integer remainder with the sign of a; false when b truncates to zero.
@@ -60,66 +60,66 @@ bool Remainder(double a, double b, double& result) {
 bool ApplyBinary(int row, double a, double b, double& r) {
   int32_t x = TruncateToInt(a), y = TruncateToInt(b);
   switch (row) {
-    case 11:
+    case kOpMultiply:
       r = a * b;
       return true;
-    case 12:
+    case kOpDivide:
       r = a / b;
       return true;
-    case 13:
+    case kOpIntegerDivide:
       r = TruncateToInt(a / b);
       return true;
-    case 14:
+    case kOpRemainder:
       return Remainder(a, b, r);
-    case 15:
+    case kOpShiftLeft:
       r = Shift(a, b, true);
       return true;
-    case 16:
+    case kOpShiftRight:
       r = Shift(a, b, false);
       return true;
-    case 17:
+    case kOpMinus:
       r = a - b;
       return true;
-    case 18:
+    case kOpPlus:
       r = a + b;
       return true;
-    case 19:
+    case kOpBitXor:
       r = x ^ y;
       return true;
-    case 20:
+    case kOpBitAnd:
       r = x & y;
       return true;
-    case 21:
+    case kOpBitOr:
       r = x | y;
       return true;
-    case 22:
+    case kOpBitNor:
       r = ~(x | y);
       return true;
-    case 23:
+    case kOpLogicalAnd:
       r = (a != 0.0 && b != 0.0) ? 1 : 0;
       return true;
-    case 24:
+    case kOpLogicalOr:
       r = (a != 0.0 || b != 0.0) ? 1 : 0;
       return true;
-    case 25:
+    case kOpBitNand:
       r = ~(x & y);
       return true;
-    case 26:
+    case kOpEqual:
       r = a == b ? 1 : 0;
       return true;
-    case 27:
+    case kOpLess:
       r = a < b ? 1 : 0;
       return true;
-    case 28:
+    case kOpGreater:
       r = a > b ? 1 : 0;
       return true;
-    case 29:
+    case kOpGreaterOrEqual:
       r = a >= b ? 1 : 0;
       return true;
-    case 30:
+    case kOpNotEqual:
       r = a != b ? 1 : 0;
       return true;
-    case 31:
+    case kOpLessOrEqual:
       r = a <= b ? 1 : 0;
       return true;
   }
@@ -145,12 +145,12 @@ void AppendToken(std::string& postfix, const char* token) {
   postfix += token;
 }
 
-// Pops operators to the postfix until "(" (row 0) is popped; false if there is none.
+// Pops operators to the postfix until "(" (kOpScanner) is popped; false if there is none.
 bool CloseParenthesis(std::vector<int>& stack, std::string& postfix) {
   while (!stack.empty()) {
     int row = stack.back();
     stack.pop_back();
-    if (row == 0) return true;
+    if (row == kOpScanner) return true;
     AppendToken(postfix, OperatorTable[row].text);
   }
   return false;
@@ -158,7 +158,8 @@ bool CloseParenthesis(std::vector<int>& stack, std::string& postfix) {
 
 void PushOperator(int row, std::vector<int>& stack, std::string& postfix) {
   int precedence = OperatorTable[row].precedence;
-  while (!stack.empty() && stack.back() != 0 && precedence <= OperatorTable[stack.back()].precedence) {
+  while (!stack.empty() && stack.back() != kOpScanner &&
+         precedence <= OperatorTable[stack.back()].precedence) {
     AppendToken(postfix, OperatorTable[stack.back()].text);
     stack.pop_back();
   }
@@ -224,7 +225,7 @@ int FindOperatorToken(std::string_view text) {
   while (run < text.size() && IsScannerCharacter(text[run])) ++run;
   if (run == 0) return -1;
   std::string_view token = text.substr(0, run);
-  for (int row = 1; row < kOperatorRows; ++row) {
+  for (int row = kOpFemto; row < kOperatorRows; ++row) {
     if (token == OperatorTable[row].text) return row;
   }
   return -1;
@@ -241,7 +242,7 @@ int NumberLength(std::string_view text) {
 int InfixToPostfix(std::string_view text, std::string& postfix) {
   // Reused between calls: attribute values are evaluated by the million.
   static thread_local std::string upper;
-  static thread_local std::vector<int> stack;  // rows; 0 stands for "("
+  static thread_local std::vector<int> stack;  // rows; kOpScanner stands for "("
   upper.assign(text);
   for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   stack.clear();
@@ -252,7 +253,7 @@ int InfixToPostfix(std::string_view text, std::string& postfix) {
     char c = rest[i];
     if (std::isspace(static_cast<unsigned char>(c))) continue;
     if (c == '(') {
-      stack.push_back(0);
+      stack.push_back(kOpScanner);
       continue;
     }
     if (c == ')') {
@@ -278,7 +279,7 @@ int InfixToPostfix(std::string_view text, std::string& postfix) {
   while (!stack.empty()) {
     int row = stack.back();
     stack.pop_back();
-    if (row == 0) return kMissingOperand;
+    if (row == kOpScanner) return kMissingOperand;
     AppendToken(postfix, OperatorTable[row].text);
   }
   return kEvaluationOk;
@@ -291,7 +292,7 @@ int EvaluatePostfix(std::string_view postfix, double& result) {
     if (std::isspace(static_cast<unsigned char>(postfix[i]))) continue;
     std::string_view rest = postfix.substr(i);
     int row = FindOperatorToken(rest);
-    if (row > 0) {
+    if (row >= kOpFemto) {
       int status = ApplyOperator(row, stack);
       if (status != kEvaluationOk) return status;
       i += std::strlen(OperatorTable[row].text) - 1;

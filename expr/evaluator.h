@@ -13,8 +13,43 @@ struct OperatorToken {
   int32_t operands;    // 1 for a suffix, 2 for a binary operator
 };
 
-/// Row 0 holds the scanner's character set; rows 1 to 31 are the tokens.
-constexpr int kOperatorRows = 32;
+/// The rows of the operator table. Row 0 holds the scanner's character set (and stands for
+/// "(" on the operator stack); the suffixes come first, then the binary operators.
+enum OperatorRow : int {
+  kOpScanner = 0,
+  kOpFemto,
+  kOpPico,
+  kOpNano,
+  kOpMicro,
+  kOpMil,
+  kOpMilli,
+  kOpKilo,
+  kOpMega,
+  kOpGiga,
+  kOpTera,
+  kOpMultiply,
+  kOpDivide,
+  kOpIntegerDivide,
+  kOpRemainder,
+  kOpShiftLeft,
+  kOpShiftRight,
+  kOpMinus,
+  kOpPlus,
+  kOpBitXor,
+  kOpBitAnd,
+  kOpBitOr,
+  kOpBitNor,
+  kOpLogicalAnd,
+  kOpLogicalOr,
+  kOpBitNand,
+  kOpEqual,
+  kOpLess,
+  kOpGreater,
+  kOpGreaterOrEqual,
+  kOpNotEqual,
+  kOpLessOrEqual,
+};
+constexpr int kOperatorRows = kOpLessOrEqual + 1;
 extern const OperatorToken OperatorTable[kOperatorRows];
 
 /// Status values of the evaluator.
@@ -25,7 +60,7 @@ enum EvaluationStatus : int {
   kValuesLeftOver = 4,  // more than one value left at the end
 };
 
-/// The row (1 to 31) of the token that makes up the whole run of scanner characters
+/// The row (kOpFemto to kOpLessOrEqual) of the token that makes up the whole run of scanner characters
 /// at the start of `text`, or -1. Case sensitive: callers hand in upper case.
 int FindOperatorToken(std::string_view text);
 

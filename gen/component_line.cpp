@@ -3,36 +3,14 @@
 #include <iostream>
 
 #include "expr/attribute_text.h"
+#include "expr/text.h"
 #include "gen/spice_gen.h"
 
 namespace {
 
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
-std::string Upper(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
-
-bool SameIgnoringCase(const std::string& a, const char* b) { return Lower(a) == Lower(b); }
-
 bool IsAlnum(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
 
 bool IsEmptyOrBlank(const std::string& text) { return text.empty() || text == " "; }
-
-void Trim(std::string& text) {
-  const char* white = " \t\r\n\f\v";
-  size_t last = text.find_last_not_of(white);
-  if (last == std::string::npos) {
-    text.clear();
-    return;
-  }
-  text.erase(last + 1);
-  text.erase(0, text.find_first_not_of(white));
-}
 
 // The part of a component's name in front of its first "."; "" when there is no ".".
 std::string ModelPart(const std::string& name) {
@@ -105,7 +83,7 @@ class OrderExpander {
 
   // "TC" with its value: "TC 2 "; nothing without the attribute.
   void ExpandKeyword(const std::string& token) {
-    const std::string& attribute = comp_.Attributes().Get(Upper(token));
+    const std::string& attribute = comp_.Attributes().Get(UpperText(token));
     if (attribute.empty()) return;
     body_ += token;
     body_ += ' ';
@@ -120,7 +98,7 @@ class OrderExpander {
     std::string name;
     for (size_t i = 0; i + 1 < token.size(); ++i)
       if (token[i] != '=') name += token[i];
-    const std::string upperName = Upper(name);
+    const std::string upperName = UpperText(name);
     if (upperName == "DISTRIBUTION") return AppendDistribution();
 
     std::string value = gen_.EvaluateAttributeValue(comp_, name, comp_.Attributes().Get(upperName));
@@ -166,7 +144,7 @@ class OrderExpander {
     for (char c : token)
       if (c != '$') cleaned += c;
     const std::string name = cleaned.substr(0, cleaned.size() - 1);
-    const std::string upperName = Upper(name);
+    const std::string upperName = UpperText(name);
     const std::string& attribute = comp_.Attributes().Get(upperName);
     if (IsEmptyOrBlank(attribute)) return;
     std::string value = gen_.EvaluateAttributeValue(comp_, name, attribute);
@@ -191,7 +169,7 @@ class OrderExpander {
 
 void CSpiceGen::EmitComponent(SpiceComp& comp) {
   if (!comp.HasAttributes()) return;
-  if (comp.RefName().empty() && comp.Kind() != 3) return;
+  if (comp.RefName().empty() && comp.Kind() != kStoppedInstance) return;
   if (flatten && comp.RefName().empty()) {
     std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
     std::cout << note;
@@ -213,13 +191,13 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
   // An absent entry reads as empty, so a component without an internal name (every one of
   // a flat deck) only clears what an earlier one of the same name left.
   if (comp.InternalName().empty())
-    internalNames.erase(Lower(comp.RefName()));
+    internalNames.erase(LowerText(comp.RefName()));
   else
-    internalNames[Lower(comp.RefName())] = comp.InternalName();
+    internalNames[LowerText(comp.RefName())] = comp.InternalName();
   WritePins(comp, false);
   const std::string& order = comp.Attributes().Get("ORDER");
   const bool namesCalled = NeedsCalledName(order, comp);
-  if (comp.Kind() != 2) {
+  if (comp.Kind() != kInstance) {
     char first = comp.RefName().empty() ? '\0' : comp.RefName()[0];
     if ((first == 'X' || first == 'x') && namesCalled) out << ' ' << ModelPart(comp.Name());
     ExpandOrder(comp);
@@ -252,8 +230,8 @@ void CSpiceGen::ExpandOrder(SpiceComp& comp) {
   lineBody.clear();
   modelRegistered = false;
   OrderExpander(*this, comp).Interpret(NormalizeOrderTemplate(order));
-  Trim(lineBody);
-  if (!lineBody.empty() || alien || comp.Kind() == 2) return;
+  TrimInPlace(lineBody);
+  if (!lineBody.empty() || alien || comp.Kind() == kInstance) return;
   DefaultFromBare(lineBody, comp);
   if (lineBody.empty()) DefaultByPrefix(lineBody, comp);
 }
@@ -264,7 +242,7 @@ void CSpiceGen::DefaultFromBare(std::string& body, SpiceComp& comp) {
   const std::string& word = bare.back();
   body += ' ';
   body += word;
-  if (SameIgnoringCase(word, "model"))
+  if (EqualsIgnoringCase(word, "model"))
     AddNote("*Error : No Model attribute found for component " + comp.RefName());
 }
 

@@ -6,15 +6,11 @@
 #include <iostream>
 
 #include "design/platform.h"
+#include "expr/text.h"
 #include "gen/spice_gen.h"
 #include "model/spice_reader.h"
 
 namespace {
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
 
 // The creation time as ctime writes it (with its own line end); SOURCE_DATE_EPOCH, when
 // set, stands for the current time so that decks can be reproduced.
@@ -30,8 +26,8 @@ std::string CreationTime() {
 std::string ModelOfPath(const std::string& path) {
   size_t slash = path.find_last_of("\\/");
   std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
-  if (name.size() >= 4 && Lower(name.substr(name.size() - 4)) == ".mod") name.erase(name.size() - 4);
-  return Lower(name);
+  if (name.size() >= 4 && LowerText(name.substr(name.size() - 4)) == ".mod") name.erase(name.size() - 4);
+  return LowerText(name);
 }
 
 bool CanOpen(const std::string& path) {
@@ -76,7 +72,7 @@ void CSpiceGen::WriteGlobals() {
 }
 
 void CSpiceGen::RegisterModel(std::string model, const SpiceComp& comp) {
-  std::string lower = Lower(model);
+  std::string lower = LowerText(model);
   if (comp.model) {
     auto card = comp.model->modelCards.find(lower);
     if (card != comp.model->modelCards.end()) modelFiles[lower] = card->second;
@@ -102,7 +98,7 @@ void CSpiceGen::WriteModelIncludes() {
     const std::string path = "sym\\" + name + ".mod";
     SpiceReader reader;
     reader.MorvaFile(path, 0);
-    CollectModelFiles(reader, reader.FindSubcktByName(Lower(name)), "sym", files);
+    CollectModelFiles(reader, reader.FindSubcktByName(LowerText(name)), "sym", files);
     files.insert(path);
   }
   for (const std::string& path : files) WriteModelInclude(path);

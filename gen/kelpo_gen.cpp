@@ -5,12 +5,10 @@
 
 #include "design/platform.h"
 #include "design/spice_project.h"
-#include "model/case_text.h"
+#include "expr/text.h"
 #include "model/model_files.h"
 
 namespace {
-
-bool StartsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
 
 // A VERILOG FILE path as the deck wants it: "/" made "\", the extension in lower case.
 std::string VerilogFileText(std::string file) {

@@ -1,16 +1,8 @@
 // A component's nodes on its line: pin order, unconnected pins, bracketed HDL groups.
-#include <cctype>
-
+#include "expr/text.h"
 #include "gen/spice_gen.h"
 
 namespace {
-
-// Takes white space off both ends in place; a text without any is left untouched.
-void TrimWhite(std::string& text) {
-  const char* white = " \t\r\n\f\v";
-  text.erase(text.find_last_not_of(white) + 1);
-  text.erase(0, text.find_first_not_of(white));
-}
 
 bool HoldsInnerBlank(const std::string& text) {
   return text.size() > 1 && text.find(' ', 1) != std::string::npos;
@@ -21,9 +13,7 @@ bool PinsWanted(const SpiceComp& comp) {
   std::string noPins = comp.Attributes().Get("NO PINS");
   if (noPins.empty()) noPins = comp.Attributes().Get("NO_PINS");
   if (noPins.empty() || noPins == "0") return true;
-  std::string lower = noPins;
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return lower == "false";
+  return LowerText(noPins) == "false";
 }
 
 const std::string& PinListText(const SpiceComp& comp) {
@@ -61,7 +51,7 @@ void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
 
 void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet* entry) {
   std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net);
-  TrimWhite(node);
+  TrimInPlace(node);
   if (group && entry && entry->busBit && entry->firstBit) {
     out << " ( " << node;
   } else if (group && entry && entry->busBit && entry->lastBit) {

@@ -5,11 +5,10 @@
 #include <string>
 
 #include "design/probe_text.h"
+#include "expr/text.h"
 #include "gen/spice_gen.h"
 
 namespace {
-
-bool StartsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
 
 // "V(1)" -> "VDB(1)" and "VP(1)"; an expression with its "(" elsewhere stays as it is.
 std::string ReplaceOpenings(const std::string& expression, const char* with) {

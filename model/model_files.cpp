@@ -9,7 +9,7 @@
 #include <unordered_map>
 
 #include "design/platform.h"
-#include "model/case_text.h"
+#include "expr/text.h"
 #include "model/parameter_file.h"
 
 namespace {
@@ -60,14 +60,6 @@ HeldFile& Held(const std::string& fileName) {
   if (held->exists) held->readable = ReadWholeFile(fileName, text);
   if (held->readable) held->text.Append(text);
   return *held;
-}
-
-const char* const kWhiteSpace = " \t\r\n\f\v";
-
-std::string Trim(const std::string& text) {
-  size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
 }
 
 bool IsSubcircuitType(const std::string& modelType) {

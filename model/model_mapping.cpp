@@ -14,7 +14,7 @@
 
 #include "design/platform.h"
 #include "design/spice_project.h"
-#include "model/case_text.h"
+#include "expr/text.h"
 #include "model/model_files.h"
 
 namespace {

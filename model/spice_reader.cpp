@@ -1,16 +1,10 @@
 // SPICE model text reader: definitions, their nesting, and the sub-circuits they call.
 #include "model/spice_reader.h"
 
-#include <cctype>
-
 #include "design/platform.h"
+#include "expr/text.h"
 
 namespace {
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
 
 bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v' || c == ','; }
 
@@ -61,7 +55,7 @@ std::string CalledSubcktName(const std::vector<std::string>& words) {
   std::vector<const std::string*> candidates;
   for (size_t i = 1; i < words.size(); ++i) {
     const std::string& word = words[i];
-    if (Lower(word.substr(0, 7)) == "params:") break;
+    if (LowerText(word.substr(0, 7)) == "params:") break;
     if (word.find('=') != std::string::npos) {
       // "W = 1": the word ahead of a lone "=" is the parameter's name.
       if (word[0] == '=' && !candidates.empty()) candidates.pop_back();
@@ -96,13 +90,13 @@ bool SpiceReader::ParseText(const std::string& text) {
 void SpiceReader::HandleLine(const std::string& line, std::vector<SpiceSubckt*>& open) {
   std::vector<std::string> words = SplitWords(line);
   if (words.empty()) return;
-  const std::string keyword = Lower(words[0]);
+  const std::string keyword = LowerText(words[0]);
   if (keyword == ".subckt") {
     subckts_.emplace_back();
     SpiceSubckt& subckt = subckts_.back();
     if (words.size() > 1) {
       subckt.name = words[1];
-      byLower_.emplace(Lower(subckt.name), subckts_.size() - 1);
+      byLower_.emplace(LowerText(subckt.name), subckts_.size() - 1);
     }
     open.push_back(&subckt);
     return;
@@ -119,6 +113,6 @@ void SpiceReader::HandleLine(const std::string& line, std::vector<SpiceSubckt*>&
 }
 
 const SpiceSubckt* SpiceReader::FindSubcktByName(const std::string& name) const {
-  auto found = byLower_.find(Lower(name));
+  auto found = byLower_.find(LowerText(name));
   return found == byLower_.end() ? nullptr : &subckts_[found->second];
 }

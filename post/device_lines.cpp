@@ -117,7 +117,7 @@ void AppendMissingGeometry(std::string& out, const bool (&seen)[kGeometryCount],
 // The "$EA" word of a bipolar card: an expression in M takes the card's multiplier.
 std::string EmitterAreaText(const KeyValue& word, const std::string& multiplier, PostSettings& settings) {
   if (ClassifyValue(word.value) != kArithmeticValue) return word.key + "=" + word.value + " ";
-  std::string copy = UpperCopy(word.value);
+  std::string copy = UpperText(word.value);
   ReplaceAll(copy, "M", multiplier);
   std::string text = word.key + "=" + copy;
   if (!IsPlainArithmetic(copy) && !settings.options.hdlSpiceSources) QuoteValue(text, settings);
@@ -240,7 +240,7 @@ std::string ComputeGeometry(const std::string& formula, const std::string& lengt
                             const PostSettings& settings) {
   if (enabled == 0) return "";
   if (formula.empty()) return value.empty() ? "" : key + "=" + value + " ";
-  std::string copy = UpperCopy(formula);
+  std::string copy = UpperText(formula);
   ReplaceAll(copy, "L", lengthValue);
   ReplaceAll(copy, "W", widthValue);
   if ((IsPlainNumber(lengthValue) && IsPlainNumber(widthValue)) || settings.config.noQuotes) {
@@ -301,7 +301,7 @@ void DraculaWord(std::string& word, const PostSettings& settings) {
 
 bool IsPlainArithmetic(const std::string& text) {
   // Only the device letters L, W and M may stand as words in it.
-  return ScanValue(UpperCopy(text), [](char c, ValueChar kind) {
+  return ScanValue(UpperText(text), [](char c, ValueChar kind) {
     return kind != ValueChar::kWordLetter || c == 'L' || c == 'W' || c == 'M';
   });
 }

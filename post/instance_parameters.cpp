@@ -5,12 +5,9 @@
 #include <string_view>
 
 #include "design/platform.h"
+#include "expr/text.h"
 
 namespace {
-
-void ToLower(std::string& text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-}
 
 // Calls `take` for each line of `text` as a text-mode read gives it: without its
 // line end (a "\r" before it included), and no empty line behind a final line end.
@@ -63,8 +60,8 @@ bool ReadParFile(const std::string& fileName, bool firstOnly, std::string& repla
 
 bool ReadParameterSection(const std::string& fileName, std::string modelName, std::string internalName,
                           std::string& text) {
-  ToLower(modelName);
-  ToLower(internalName);
+  modelName = LowerText(modelName);
+  internalName = LowerText(internalName);
   std::string contents;
   if (!ReadWholeFile(fileName, contents)) return false;
   bool inSection = false, kept = false;
@@ -90,7 +87,7 @@ std::string LoadInstanceParameters(std::string instanceName, const std::string& 
   const std::string parFile = "sym\\" + modelName + ".par";
   const std::string paramFile = "sym\\" + modelName + "-param.txt";
   if (!FileExists(parFile) && !FileExists(paramFile)) return std::string();
-  ToLower(instanceName);
+  instanceName = LowerText(instanceName);
   currentInstance.clear();
   auto found = internalNames.find(instanceName);
   const std::string internalName = found == internalNames.end() ? std::string() : found->second;

@@ -1,14 +1,6 @@
 // Word-level string helpers shared by the line rewrites of the post-process pass.
 #include "post/line_words.h"
 
-#include <cctype>
-
-namespace {
-
-bool IsWhite(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f'; }
-
-}  // namespace
-
 KeyValue SplitKeyValue(const std::string& word) {
   KeyValue result;
   size_t equals = word.find('=');
@@ -44,28 +36,6 @@ std::string FirstWord(const std::string& line) {
   return line.substr(start, end == std::string::npos ? std::string::npos : end - start);
 }
 
-std::string UpperCopy(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
-
-bool EqualsIgnoringCase(std::string_view text, std::string_view upper) {
-  if (text.size() != upper.size()) return false;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(text[i])) != upper[i]) return false;
-  }
-  return true;
-}
-
-bool StartsWith(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
-}
-
-bool EndsWith(std::string_view text, std::string_view suffix) {
-  return text.size() >= suffix.size() &&
-         text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
   if (from.empty()) return;
   size_t found = text.find(from);
@@ -81,18 +51,4 @@ void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
   }
   result.append(text, pos, std::string::npos);
   text.swap(result);
-}
-
-std::string Trim(std::string_view text) {
-  size_t start = 0;
-  while (start < text.size() && IsWhite(text[start])) ++start;
-  size_t end = text.size();
-  while (end > start && IsWhite(text[end - 1])) --end;
-  return std::string(text.substr(start, end - start));
-}
-
-std::string_view TrimRight(std::string_view text) {
-  size_t end = text.size();
-  while (end > 0 && IsWhite(text[end - 1])) --end;
-  return text.substr(0, end);
 }

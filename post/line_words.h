@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "expr/text.h"
+
 /// A deck word split at its first "=". A word without "=" has an empty key and is all value.
 struct KeyValue {
   std::string key;
@@ -20,14 +22,5 @@ std::vector<std::string> WordsWithEnd(const std::string& line);
 /// The first blank-separated word of `line`.
 std::string FirstWord(const std::string& line);
 
-std::string UpperCopy(std::string text);
-bool EqualsIgnoringCase(std::string_view text, std::string_view upper);
-bool StartsWith(std::string_view text, std::string_view prefix);
-bool EndsWith(std::string_view text, std::string_view suffix);
-
 /// Replaces every occurrence of `from` (not empty) in one left-to-right pass.
 void ReplaceAll(std::string& text, std::string_view from, std::string_view to);
-
-/// Trims white space (blank, tab, CR, LF, VT, FF) at both ends or at the right end.
-std::string Trim(std::string_view text);
-std::string_view TrimRight(std::string_view text);

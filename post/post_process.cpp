@@ -119,7 +119,7 @@ class PostPass {
  public:
   PostPass(PostSettings& settings, size_t sizeHint) : settings_(settings) {
     output_.reserve(sizeHint + sizeHint / 8 + 64);
-    elements_ = UpperCopy(settings.config.elements);
+    elements_ = UpperText(settings.config.elements);
   }
 
   void Read(std::string_view rawLine) {
@@ -175,7 +175,7 @@ void PostPass::RewritePending() {
     if (!settings_.config.stripComments) FoldLine(output_, pending_, true, settings_);
     return;
   }
-  letter_ = UpperCopy(letter_);
+  letter_ = UpperText(letter_);
   pending_ = CollapseQuotedBlanks(std::move(pending_));
   if (IsDropped(firstWord)) return;
   RewriteStatement(firstWord);

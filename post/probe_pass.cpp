@@ -6,16 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "expr/text.h"
+
 namespace {
 
 const char kVoltageMarker[] = "* voltage probe on node : ";
 const char kCurrentMarker[] = "* next line is a current sense";
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-
-bool StartsWith(const std::string& line, std::string_view prefix) {
-  return line.compare(0, prefix.size(), prefix) == 0;
-}
 
 // True when the line begins with `prefix` once its leading blanks are skipped.
 bool StartsWithAfterBlanks(const std::string& line, std::string_view prefix) {
@@ -263,7 +261,7 @@ class ProbePass {
     std::vector<std::string> words = SplitWords(line);
     if (words.size() < 3) return nullptr;
     std::string analysis = words[2][0] == '.' ? words[2].substr(1) : words[2];
-    for (char& c : analysis) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    analysis = LowerText(analysis);
     if (analysis == "tran") return &state_.hasTranAnalysis;
     if (analysis == "dc") return &state_.hasDcAnalysis;
     if (analysis == "ac") return &state_.hasAcAnalysis;

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "design/platform.h"
+#include "expr/text.h"
 #include "gen/spice_gen.h"
 
 namespace {
 
 constexpr size_t kIniLimit = 512;
 constexpr size_t kFolderLimit = 255;
-const char* const kWhiteSpace = " \t\r\n\v\f";
 
 const char* const kUsageLines[] = {
     "Usage:  vesk <switches> groupname levelname\n\n",
@@ -55,19 +55,6 @@ const char* const kUsageLines[] = {
     "  -$        De-replicate the hierarchy\n",
     "  -%        Specify folder of output file\n",
 };
-
-bool StartsWith(const char* text, const char* prefix) {
-  for (; *prefix; ++text, ++prefix)
-    if (*text != *prefix) return false;
-  return true;
-}
-
-std::string Trim(const std::string& text) {
-  size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string::npos) return "";
-  size_t last = text.find_last_not_of(kWhiteSpace);
-  return text.substr(first, last - first + 1);
-}
 
 // Tokens separated by runs of blanks; every other character, line ends included, is text.
 std::vector<std::string> SplitAtBlanks(const std::string& text) {

@@ -15,20 +15,20 @@ TEST(StripBlockPrefix, OnlyAQualifierFollowedByUnderscoreGoes) {
 
 TEST(DeckName, PrefixesAndDesignators) {
   struct Case {
-    int32_t kind;
+    CompKind kind;
     const char* label;
     std::vector<std::pair<const char*, const char*>> attributes;
     const char* name;
   };
   const Case cases[] = {
-      {1, "Q8", {{"PREFIX", " "}}, "Q8"},  // " \Q8", filtered
-      {1, "A1", {{"PREFIX", "R"}, {"SPICE_PREFIX", "M"}}, "MA1"},
-      {1, "A2", {{"PREFIX", "R"}}, "RA2"},
-      {3, "A3", {{"SPICE_PREFIX", "U"}}, "UA3"},
-      {2, "A4", {{"SPICE_PREFIX", "U"}}, "XA4"},  // an instance does not look at -y
-      {1, "$1I25", {{"PREFIX", "U"}, {"REFDES", "?A"}}, "UA"},
-      {1, "$1I26", {{"PREFIX", "U"}, {"REFDES", "V7"}}, "UV7"},
-      {1, "K1", {{"PREFIX", "U"}, {"REFDES", "V8"}}, "UK1"},
+      {kPrimitive, "Q8", {{"PREFIX", " "}}, "Q8"},  // " \Q8", filtered
+      {kPrimitive, "A1", {{"PREFIX", "R"}, {"SPICE_PREFIX", "M"}}, "MA1"},
+      {kPrimitive, "A2", {{"PREFIX", "R"}}, "RA2"},
+      {kStoppedInstance, "A3", {{"SPICE_PREFIX", "U"}}, "UA3"},
+      {kInstance, "A4", {{"SPICE_PREFIX", "U"}}, "XA4"},  // an instance does not look at -y
+      {kPrimitive, "$1I25", {{"PREFIX", "U"}, {"REFDES", "?A"}}, "UA"},
+      {kPrimitive, "$1I26", {{"PREFIX", "U"}, {"REFDES", "V7"}}, "UV7"},
+      {kPrimitive, "K1", {{"PREFIX", "U"}, {"REFDES", "V8"}}, "UK1"},
   };
   WireOptions options;
   options.flatten = 0;

@@ -17,7 +17,7 @@ class DeviceLines : public ::testing::Test {
   // A device line as the pass writes it: the card rewrite, then the element words under
   // the letter of the statement (a + line keeps that of the line ahead).
   std::string Card(const std::string& line) {
-    if (line[0] != '+') letter = UpperCopy(line.substr(0, 1));
+    if (line[0] != '+') letter = UpperText(line.substr(0, 1));
     std::string text = line;
     RewriteDeviceCard(text, widthAndLength, settings);
     RewriteElementWords(text, letter, settings);

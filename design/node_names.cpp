@@ -85,18 +85,23 @@ struct Filter {
   }
 
   void Step(char c) {
-    const WireOptions& o = options;
-    if (o.wirelistKind == kPspice && !o.analogDeps) return PspiceRule(c);
-    if (o.dracula) return DraculaRule(c);
-    if (o.analogDeps && (c == '+' || c == '-')) {
-      result += c == '+' ? 'P' : 'N';
-      ++pos;
-      return;
+    switch (options.dialect.nameRule) {
+      case NameRule::kPspice:
+        return PspiceRule(c);
+      case NameRule::kDracula:
+        return DraculaRule(c);
+      case NameRule::kAnalog:
+        if (c == '+' || c == '-') {
+          result += c == '+' ? 'P' : 'N';
+          ++pos;
+          return;
+        }
+        return WideRule(c);
+      case NameRule::kWide:
+        return WideRule(c);
+      case NameRule::kAlnum:
+        return TakeIf(c, IsLetterOrDigit(c));
     }
-    bool wide = o.wirelistKind == kHspice || o.wirelistKind == kKelpo || o.analogDeps ||
-                (o.wirelistKind == kBerkeley && o.useNodeNames);
-    if (wide) return WideRule(c);
-    TakeIf(c, IsLetterOrDigit(c));
   }
 };
 

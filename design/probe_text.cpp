@@ -12,8 +12,8 @@ bool IsAllDigits(const std::string& text) {
 std::string ProbeExpression(const WireOptions& options, const std::string& kind, const std::string& node) {
   std::string shown = node;
   // Pspice wants named nodes in brackets; numbers and bracketed names stay as they are.
-  bool pspice = options.wirelistKind == kPspice && !options.analogDeps;
-  if (pspice && (shown.empty() || shown[0] != '[') && !IsAllDigits(shown)) shown = "[" + shown + "]";
+  if (options.dialect.bracketedProbeNodes && (shown.empty() || shown[0] != '[') && !IsAllDigits(shown))
+    shown = "[" + shown + "]";
   std::string prefix;
   if (kind.empty())
     prefix = "V";

@@ -231,9 +231,8 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   if (lb.compare(0, 3, "GND") == 0) nodeMap[lb] = "0";
   if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
     nodeMap[n] = LegalizeName(options, node);
-  int32_t kind = options.wirelistKind;
-  if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
-    if (kind == kPspice && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
+  if (options.dialect.namesNetsAtLoad) {
+    if (options.dialect.globalNetMark && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
     if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
   }
   netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();

@@ -260,7 +260,7 @@ bool ChoosePrefix(const SpiceComp& comp, const WireOptions& options, std::string
     return true;
   }
   if (!prefix.empty() && prefix != " ") return true;
-  if (options.wirelistKind == kKelpo && comp.IsHdlModel()) {
+  if (options.dialect.hdlModels && comp.IsHdlModel()) {
     prefix = "Y";
     return true;
   }
@@ -426,7 +426,7 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
     excluded = true;
     return;
   }
-  if (options.wirelistKind == kKelpo && installedMapper) installedMapper(*this);
+  if (options.dialect.hdlModels && installedMapper) installedMapper(*this);
   LoadPins(comp);
   DecideKind(comp, options);
   FormDeckName(options);

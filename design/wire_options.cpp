@@ -39,6 +39,7 @@ void WireOptions::SetDefaults() {
   outputFolder.clear();
   includeSources = 0;
   hdlSpiceSources = 0;
+  dialect = Dialect();
 }
 
 bool WireOptions::HasLevel(const std::string& level) const {

@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "design/dialect.h"
 #include "design/string_set.h"
 
 /// The level names (-l and positional arguments), newest first.
@@ -64,6 +65,11 @@ struct WireOptions {
   std::string outputFolder;
   int32_t includeSources = 0;
   uint8_t hdlSpiceSources = 0;
+
+  /// The answers of the chosen flavour, built from the fields above by DialectOf once the
+  /// switches are read; the rest of the program asks it rather than wirelistKind, dracula
+  /// or hdlSpiceSources.
+  Dialect dialect;
 
   /// Node counter of NodeName; each copy counts on its own.
   int32_t nextNodeNumber = 0;

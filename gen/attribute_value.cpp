@@ -44,7 +44,7 @@ std::string CSpiceGen::EvaluateAttributeValue(const SpiceComp& comp, const std::
   AdjustUnit(text, text, paramName, rules);
   if (EvaluateExpression(text, number) == kEvaluationOk) return FormatEngineering(number);
   // Left for the simulator to work out.
-  if (wirelistKind == kHspice || hdlSpiceSources) return text;
+  if (!dialect.bracedExpressions) return text;
   if (ClassifyValue(text) == kArithmeticValue) return "{" + text + "}";
   return text;
 }

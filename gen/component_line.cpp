@@ -204,8 +204,7 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
     out << ' ' << lineBody;
   } else {
     if (namesCalled) out << ' ' << comp.ChildBlockName();
-    if (wirelistKind == kPspice || wirelistKind == kKelpo || wirelistKind == kHspice || analogDeps ||
-        !comp.Attributes().Get("COMPOSITE_ORDER").empty()) {
+    if (dialect.instanceParameters || !comp.Attributes().Get("COMPOSITE_ORDER").empty()) {
       ExpandOrder(comp);
       out << ' ' << lineBody;
     }

@@ -11,7 +11,7 @@ class PspiceGen : public CSpiceGen {
   void WriteDefinition(SpiceBlock& block) override;
 };
 
-/// HSPICE decks (-m); with `dracula` (-e) the root becomes a definition and the deck has
+/// HSPICE decks (-m); under Dracula (-e) the root becomes a definition and the deck has
 /// no closing lines of its own.
 class HspiceGen : public CSpiceGen {
  public:

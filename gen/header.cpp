@@ -122,13 +122,13 @@ void CSpiceGen::WriteModelInclude(const std::string& path) {
 
 void CSpiceGen::WriteHdlIncludes(std::string name) {
   const std::string stem = "genhdl\\" + name + "\\" + name;
-  const std::string sources = stem + (hdlSpiceSources ? "_sources.spi" : "_sources.cir");
+  const std::string sources = stem + (dialect.hdlSources ? "_sources.spi" : "_sources.cir");
   const bool haveSources = FileExists(sources);
-  const bool haveBoundaries = !hdlSpiceSources && FileExists(stem + "_boundaries.cir");
+  const bool haveBoundaries = !dialect.hdlSources && FileExists(stem + "_boundaries.cir");
   if (!haveSources && !haveBoundaries) return;
   const std::string included = "..\\..\\" + stem;
   if (includeSources) {
-    if (hdlSpiceSources)
+    if (dialect.hdlSources)
       out << ".include \"" << included << "_sources.spi\"\n";
     else
       out << ".include " << included << "_sources.cir\n";

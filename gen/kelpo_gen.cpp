@@ -37,14 +37,7 @@ std::string OverridingValue(const SpiceComp& comp, const std::string& name) {
 void CKelpoSpiceGen::Run(SpiceProject& project) {
   // The design walk is over; the post pass reads the parameter files it produced.
   FlushParameterFiles();
-  DeckFrame frame;
-  frame.hdlIncludes = true;
-  // HDL-source decks hold the definitions behind the root's lines and have no end line.
-  frame.definitionsBehindRoot = hdlSpiceSources;
-  frame.generatorStatements = true;
-  frame.globals = DeckFrame::kGlobalsAtEnd;
-  frame.endMark = !hdlSpiceSources;
-  RunFrame(project, frame);
+  RunFrame(project, dialect.frame);
   if (out.IsOpen()) out.Close();
   WriteNetUidMap(project.Root().Name());
 }

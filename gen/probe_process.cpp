@@ -14,7 +14,7 @@ void CSpiceGen::ProbeProcess() {
     return;
   }
   // Flat decks got their print statements while written; -i and -e want none.
-  if (flatten || ignorePrints || dracula) return;
+  if (flatten || ignorePrints || dialect.dracula) return;
 
   std::string text;
   if (!ReadWholeFile(circuitPath, text)) {

@@ -28,18 +28,16 @@ std::string FlatStatement(const CSpiceGen& gen, const std::string& keyword, cons
   const std::string analysis = keyword.substr(1);
   const bool ac = keyword == ".AC";
   const std::string both = ReplaceOpenings(expression, "DB(") + " " + ReplaceOpenings(expression, "P(");
-  switch (gen.wirelistKind) {
-    case kPspice:
+  switch (gen.dialect.printStyle) {
+    case PrintStyle::kPspice:
       if (gen.printWord == ".PRINT") return gen.printWord + " " + analysis + " " + expression + "\n";
       return gen.analogDeps ? "" : gen.printWord + " " + expression + "\n";
-    case kKelpo:
-    case kHspice:
+    case PrintStyle::kAnalysis:
       return gen.printWord + " " + analysis + " " + (ac ? both : expression) + "\n";
-    case kBerkeley:
+    case PrintStyle::kBerkeley:
       return ".PRINT " + analysis + " " + (ac ? both : expression) + "\n";
-    default:
-      return "";
   }
+  return "";
 }
 
 // One initial-condition statement: "<word>V([A])=1 V([B])=0 \n"; nothing when empty.
@@ -108,7 +106,7 @@ void CSpiceGen::CollectGenerator(SpiceComp& comp) {
 void CSpiceGen::AddFlatProbe(const std::string& expression) { flatProbes.emplace(expression, false); }
 
 void CSpiceGen::WriteGeneratorStatements() {
-  if (hdlSpiceSources) return;
+  if (dialect.hdlSources) return;
   for (auto& [key, comp] : generatorComps) {
     if (key == ".NOISE" && !generatorComps.count(".AC")) {
       std::cout << "Error: Noise generator (.NOISE) requires Bode Plot";
@@ -134,10 +132,10 @@ void CSpiceGen::WriteGeneratorStatements() {
 void CSpiceGen::NoteAnalysis(const std::string& key) { analysisKeywords.Add(key); }
 
 void CSpiceGen::WriteFlatProbes() {
-  if (hdlSpiceSources || ignorePrints) return;
+  if (dialect.hdlSources || ignorePrints) return;
   analysisKeywords.ForEachNewestFirst([&](std::string_view view) {
     const std::string keyword(view);
-    if (analogDeps || (wirelistKind == kPspice && printWord == ".PROBE")) out << ".PROBE/CSDF\n";
+    if (dialect.csdfProbeLine) out << ".PROBE/CSDF\n";
     if (flatProbes.empty() && probeAll) AddAllNodeProbes(nodes);
     if (attWirelist) return;
     for (const auto& entry : flatProbes) out << FlatStatement(*this, keyword, entry.first);

@@ -28,7 +28,7 @@ void CSpiceGen::OpenWirelist(SpiceProject& project) {
   const std::string base = circuitFileName.empty() ? rootName : circuitFileName;
   if (!outputFolder.empty())
     circuitPath = outputFolder + "\\" + base + "." + circuitExtension;
-  else if (wirelistKind == kKelpo)
+  else if (dialect.genhdlFolder)
     circuitPath = "genhdl\\" + rootName + "\\" + base + "." + circuitExtension;
   else
     circuitPath = base + "." + circuitExtension;

@@ -26,23 +26,6 @@
 class SpiceReader;
 struct SpiceSubckt;
 
-/// What sets the frames of the dialects apart; CSpiceGen::RunFrame writes a whole deck by it.
-struct DeckFrame {
-  /// Where the .global lines go.
-  enum Globals { kNoGlobals, kGlobalsBeforeIncludes, kGlobalsAtEnd };
-  /// The genhdl source and boundary includes behind the header (Kelpo).
-  bool hdlIncludes = false;
-  /// The root written as one more definition instead of as the deck's own lines.
-  bool rootAsDefinition = false;
-  /// The definitions behind the root's lines, parents first, instead of ahead of them.
-  bool definitionsBehindRoot = false;
-  /// The statements of generator components behind the root's lines.
-  bool generatorStatements = false;
-  Globals globals = kNoGlobals;
-  bool optionsLine = false;
-  bool endMark = true;
-};
-
 class CSpiceGen : public WireOptions, public SpiceConfig {
  public:
   CSpiceGen() = default;

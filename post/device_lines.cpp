@@ -95,7 +95,7 @@ bool SplitWidthLength(const std::string& value, std::vector<std::string>& params
 void AppendGeometry(std::string& out, int index, const KeyValue& word, const CardSizes& sizes,
                     PostSettings& settings) {
   const SpiceConfig& config = settings.config;
-  if (settings.options.dracula) return;
+  if (settings.options.dialect.dracula) return;
   std::string text =
       ComputeGeometry(config.*kGeometryNames[index].formula, sizes.lengthValue, sizes.widthValue,
                       config.calcArea, word.key, word.value, config.quoteOpen, config.quoteClose, settings);
@@ -120,7 +120,7 @@ std::string EmitterAreaText(const KeyValue& word, const std::string& multiplier,
   std::string copy = UpperText(word.value);
   ReplaceAll(copy, "M", multiplier);
   std::string text = word.key + "=" + copy;
-  if (!IsPlainArithmetic(copy) && !settings.options.hdlSpiceSources) QuoteValue(text, settings);
+  if (!IsPlainArithmetic(copy) && !settings.options.dialect.hdlSources) QuoteValue(text, settings);
   return text;
 }
 
@@ -128,11 +128,11 @@ std::string EmitterAreaText(const KeyValue& word, const std::string& multiplier,
 
 void SetDialectQuotes(PostSettings& settings) {
   SpiceConfig& config = settings.config;
-  int32_t kind = settings.Kind();
-  if (settings.options.dracula || kind == kHspice || kind == kKelpo) {
+  const QuoteSet quotes = settings.options.dialect.quoteSet;
+  if (quotes == QuoteSet::kTicks) {
     config.quoteOpen = kTickQuote;
     config.quoteClose = kTickQuote;
-  } else if (kind == kPspice) {
+  } else if (quotes == QuoteSet::kPspice) {
     config.quoteOpen = kPspiceQuoteOpen;
     config.quoteClose = kPspiceQuoteClose;
   }
@@ -214,7 +214,7 @@ void RewriteMosParameters(std::string& out, std::vector<std::string> params, std
 
 void RewriteBipolarParameters(std::string& out, const std::vector<std::string>& params,
                               PostSettings& settings) {
-  const bool hdl = settings.options.hdlSpiceSources;
+  const bool hdl = settings.options.dialect.hdlSources;
   std::string multiplier;
   for (const std::string& param : params) {
     KeyValue word = SplitKeyValue(param);
@@ -250,19 +250,19 @@ std::string ComputeGeometry(const std::string& formula, const std::string& lengt
 }
 
 std::string NormalizeLength(std::string word, PostSettings& settings) {
-  if (!settings.options.hdlSpiceSources) QuoteValue(word, settings);
+  if (!settings.options.dialect.hdlSources) QuoteValue(word, settings);
   AdjustWordUnit(word, settings.Units());
   return word;
 }
 
 void QuoteValue(std::string& word, PostSettings& settings) {
   SpiceConfig& config = settings.config;
-  const int32_t kind = settings.Kind();
-  if (kind == kPspice) {
+  const Dialect& dialect = settings.options.dialect;
+  if (dialect.pspiceQuotesAlways) {
     config.quoteOpen = kPspiceQuoteOpen;
     config.quoteClose = kPspiceQuoteClose;
   }
-  if (kind == kBerkeley || config.noQuotes) return;
+  if (!dialect.quotedValues || config.noQuotes) return;
   if (word.find('=') == std::string::npos) return;
   if (StartsWith(word, "$.MODEL=") || StartsWith(word, "IS=X")) return;
   KeyValue split = SplitKeyValue(word);
@@ -277,11 +277,11 @@ void QuoteValue(std::string& word, PostSettings& settings) {
     word = split.key + "=" + split.value + close;
   } else if (closes) {
     word = split.key + "=" + open + split.value;
-  } else if (kind == kKelpo && StartsWith(split.value, "{") && EndsWith(split.value, "}")) {
+  } else if (dialect.completedBraces && StartsWith(split.value, "{") && EndsWith(split.value, "}")) {
     return;
-  } else if (kind == kKelpo && StartsWith(split.value, "{")) {
+  } else if (dialect.completedBraces && StartsWith(split.value, "{")) {
     word = split.key + "=" + split.value + "}";
-  } else if (kind == kKelpo && EndsWith(split.value, "}")) {
+  } else if (dialect.completedBraces && EndsWith(split.value, "}")) {
     word = split.key + "={" + split.value;
   } else {
     word = split.key + "=" + open + split.value + close;

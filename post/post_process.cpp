@@ -88,12 +88,12 @@ void AppendSplitWidthLength(std::string& result, const KeyValue& word, const Pos
 // One word of RewriteParameterWords, appended to `result` with its blank unless dropped.
 void AppendParameterWord(std::string& result, const std::string& word, bool& needsParams,
                          const PostSettings& settings) {
-  const WireOptions& options = settings.options;
+  const Dialect& dialect = settings.options.dialect;
   const SpiceConfig& config = settings.config;
-  if (options.dracula && config.noSlash && StartsWith(word, "/")) return;
+  if (dialect.dracula && config.noSlash && StartsWith(word, "/")) return;
   if (word == "PARAMS:" || word == "OPTIONAL:") {
     needsParams = false;
-    if (options.dracula || options.wirelistKind == kHspice) return;
+    if (dialect.dropsParamsKeyword) return;
   }
   KeyValue split = SplitKeyValue(word);
   if (!split.hasEquals || split.value.empty()) {
@@ -101,7 +101,7 @@ void AppendParameterWord(std::string& result, const std::string& word, bool& nee
     return;
   }
   if (config.stripTransSize) return;
-  if ((options.wirelistKind == kPspice || options.analogDeps) && needsParams) {
+  if (dialect.paramsKeyword && needsParams) {
     result += "PARAMS: ";
     needsParams = false;
   }
@@ -183,7 +183,7 @@ void PostPass::RewritePending() {
 
 void PostPass::RewriteStatement(const std::string& firstWord) {
   std::string tail;
-  if (letter_ == "M" || letter_ == "B" || (letter_ == "Q" && settings_.options.dracula)) {
+  if (letter_ == "M" || letter_ == "B" || (letter_ == "Q" && settings_.options.dialect.dracula)) {
     RewriteDeviceCard(pending_, widthAndLength_, settings_);
   }
   if (letter_ == "X" || StartsWith(firstWord, ".MACRO")) {
@@ -240,7 +240,7 @@ std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSett
 void RewriteElementWords(std::string& line, const std::string& letter, PostSettings& settings) {
   ReduceBlanks(line);
   if (!IsElementLetter(letter)) return;
-  const bool dracula = settings.options.dracula;
+  const bool dracula = settings.options.dialect.dracula;
   if (dracula && line.find("NOT4ECAD") != std::string::npos) {
     line.clear();
     return;
@@ -249,7 +249,7 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
   result.reserve(line.size() + 16);
   for (std::string& word : WordsWithEnd(line)) {
     if (dracula) DraculaWord(word, settings);
-    if (!settings.options.hdlSpiceSources) QuoteValue(word, settings);
+    if (!settings.options.dialect.hdlSources) QuoteValue(word, settings);
     result += word;
     result += ' ';
   }
@@ -258,7 +258,7 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
 
 void FoldLine(std::string& output, const std::string& line, bool first, const PostSettings& settings) {
   std::string_view rest = TrimRight(line);
-  if (!settings.options.hdlSpiceSources) {
+  if (!settings.options.dialect.hdlSources) {
     output.append(rest);
     output += '\n';
     return;

@@ -21,5 +21,4 @@ struct PostSettings {
   std::string& currentInstance;
 
   UnitRules Units() const { return UnitRules{&config.uParNames, &config.pParNames, config.stripUnits}; }
-  int32_t Kind() const { return options.wirelistKind; }
 };

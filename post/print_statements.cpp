@@ -12,7 +12,7 @@
 PrintSettings PrintSettingsOf(const WireOptions& options) {
   PrintSettings settings;
   settings.printWord = options.printWord;
-  settings.wirelistKind = options.wirelistKind;
+  settings.style = options.dialect.printStyle;
   settings.analogDeps = options.analogDeps;
   return settings;
 }
@@ -62,18 +62,15 @@ void BerkeleyStatements(bool current, const std::string& path, const ProbePassSt
 void ProbeStatements(const std::string& key, const std::string& kind, const std::string& path,
                      const ProbePassState& state, const PrintSettings& settings, std::string& text) {
   const bool current = kind == "c";
-  switch (settings.wirelistKind) {
-    case kPspice:
+  switch (settings.style) {
+    case PrintStyle::kPspice:
       PspiceStatements(key, current, path, state, settings, text);
       break;
-    case kKelpo:
-    case kHspice:
+    case PrintStyle::kAnalysis:
       DecibelStatements(current, path, state, settings, text);
       break;
-    case kBerkeley:
+    case PrintStyle::kBerkeley:
       BerkeleyStatements(current, path, state, text);
-      break;
-    default:
       break;
   }
 }

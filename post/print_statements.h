@@ -9,7 +9,7 @@
 /// The settings that decide the form of a print statement.
 struct PrintSettings {
   std::string printWord = ".PROBE";
-  int32_t wirelistKind = kPspice;
+  PrintStyle style = PrintStyle::kPspice;
   bool analogDeps = false;
 };
 

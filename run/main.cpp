@@ -5,6 +5,7 @@
 #include <string>
 
 #include "design/spice_project.h"
+#include "gen/dialect_of.h"
 #include "gen/flavours.h"
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
@@ -42,18 +43,18 @@ int RunAll(int argc, const char* const* argv) {
     return 0;
   }
   std::string group = groupArgument;
-  switch (options.wirelistKind) {
-    case kKelpo:
+  options.dialect = DialectOf(options);
+  switch (options.dialect.flavour) {
+    case DeckFlavour::kKelpo:
       return RunFlavour<CKelpoSpiceGen>(options, group);
-    case kPspice:
+    case DeckFlavour::kPspice:
       return RunFlavour<PspiceGen>(options, group);
-    case kHspice:
+    case DeckFlavour::kHspice:
       return RunFlavour<HspiceGen>(options, group);
-    case kBerkeley:
+    case DeckFlavour::kBerkeley:
       return RunFlavour<GSpiceGen>(options, group);
-    default:
-      return 0;
   }
+  return 0;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "gen/dialect_of.h"
 #include "post/line_words.h"
 #include "post/post_process.h"
 
@@ -27,6 +28,7 @@ class DeviceLines : public ::testing::Test {
     options.wirelistKind = kHspice;
     config.quoteOpen = config.quoteClose = "'";
     options.dracula = true;
+    options.dialect = DialectOf(options);
   }
 
   WireOptions options;
@@ -80,6 +82,7 @@ TEST_F(DeviceLines, QuoteValueMarksExpressionsPerDialect) {
   };
   for (const Case& c : cases) {
     options.wirelistKind = c.kind;
+    options.dialect = DialectOf(options);
     config.noQuotes = c.noQuotes;
     config.quoteOpen = config.quoteClose = c.kind == kPspice ? "" : "'";
     std::string word = c.word;

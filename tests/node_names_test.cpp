@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "design/probe_text.h"
+#include "gen/dialect_of.h"
 
 namespace {
 
@@ -12,14 +13,17 @@ WireOptions Kind(int32_t kind, bool names) {
   WireOptions o;
   o.wirelistKind = kind;
   o.useNodeNames = names;
+  o.dialect = DialectOf(o);
   return o;
 }
 
 TEST(LegalizeName, EachDialectsCharacters) {
   WireOptions dracula = Kind(kHspice, true);
   dracula.dracula = true;
+  dracula.dialect = DialectOf(dracula);
   WireOptions analog = Kind(kPspice, true);
   analog.analogDeps = true;
+  analog.dialect = DialectOf(analog);
   WireOptions cut = Kind(kPspice, true);
   cut.maxNameChars = 3;
   WireOptions none = Kind(kPspice, true);
@@ -74,6 +78,7 @@ TEST(ProbeText, PspiceBracketsNamedNodes) {
   EXPECT_EQ(ProbeExpression(o, "I", "A"), "VI([A])");
   EXPECT_EQ(ProbeDifferenceExpression(o, "", "A", "B"), "V([A],B)");
   o.analogDeps = true;
+  o.dialect = DialectOf(o);
   EXPECT_EQ(ProbeExpression(o, "", "OUT"), "V(OUT)");
   EXPECT_EQ(ProbeExpression(Kind(kHspice, true), "P", "OUT"), "VP(OUT)");
 }

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "gen/dialect_of.h"
 #include "post/line_words.h"
 
 namespace {
@@ -15,6 +16,7 @@ class PostProcess : public ::testing::Test {
   void SetUp() override { options.wirelistKind = kPspice; }
 
   std::string Pass(const std::string& text) {
+    options.dialect = DialectOf(options);
     ReadStripWords(config);
     return PostProcessText(text, settings);
   }
@@ -81,6 +83,7 @@ TEST_F(PostProcess, DraculaElementWords) {
 
 TEST_F(PostProcess, FoldingBreakRules) {
   options.hdlSpiceSources = 1;
+  options.dialect = DialectOf(options);
   auto fold = [&](const std::string& line) {
     std::string output;
     FoldLine(output, line, true, settings);

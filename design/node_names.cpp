@@ -6,8 +6,6 @@
 
 #include "expr/text.h"
 
-int32_t inventedNodes = 0;
-
 namespace {
 
 bool IsLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
@@ -20,7 +18,7 @@ bool HasValue(const NodeTable& table, const std::string& key) {
 }
 
 // A node for a pin without a net: N<n>, skipping every text the table already uses.
-std::string InventNode(const NodeTable& table) {
+std::string InventNode(int32_t& inventedNodes, const NodeTable& table) {
   for (;;) {
     int32_t n = inventedNodes++;
     std::string number = std::to_string(n);
@@ -108,7 +106,7 @@ struct Filter {
 }  // namespace
 
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table) {
-  if (name.empty()) return InventNode(table);
+  if (name.empty()) return InventNode(options.inventedNodes, table);
   // One lookup finds the entry or makes its place.
   std::string& node = table.try_emplace(name).first->second;
   if (name.compare(0, 3, "GND") == 0) node = "0";

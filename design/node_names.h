@@ -17,9 +17,6 @@ using NodeTable = std::unordered_map<std::string, std::string>;
 /// Key of a hierarchical instance occurrence to its pin list "pin,node;pin,node;".
 using PinNodeTable = std::unordered_map<std::string, std::string>;
 
-/// Process-wide counter of nodes invented for pins without a net; BeginBlock resets it.
-extern int32_t inventedNodes;
-
 /// The one node text of `name` in `table`: invented for an empty name, "0" for GND...,
 /// else the table's entry, else a new number (options.nextNodeNumber) or legal name.
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table);

@@ -9,9 +9,6 @@
 #include "design/probe_text.h"
 #include "expr/text.h"
 
-std::map<std::string, std::string> globalNets;
-std::unordered_map<std::string, std::string> netDictionary;
-
 namespace {
 
 const std::string kEmpty;
@@ -182,7 +179,7 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
     SpiceComp comp;
     comp.uidManager = uidManager;
-    comp.Load(compIter, options, instancePath);
+    comp.Load(compIter, options, instancePath, netAliases, modelMapper);
     comps.push_back(std::move(comp));
   }
 }
@@ -191,7 +188,7 @@ void SpiceBlock::ScanPorts() {
   Tessel::IteratorT<const Tessel::IPort> it;
   block->GetIterPorts(it);
   for (; it->IsValid(); it++) {
-    SpiceNet port(it);
+    SpiceNet port(it, netAliases);
     if (port.IsConnected()) {
       for (const SpiceNet& member : port.Members()) NodeName(options, member.name, nodeMap);
     } else if (!port.Signal().empty()) {
@@ -212,7 +209,7 @@ void SpiceBlock::ScanNets() {
   Tessel::IteratorT<const Tessel::INet> it;
   block->GetIterNets(it);
   for (; it->IsValid(); it++) {
-    SpiceNet net(it, false);
+    SpiceNet net(it, netAliases, false);
     net.uidManager = uidManager;
     net.FormInternalName(it);
     ScanNet(net, rawName.str());
@@ -235,7 +232,7 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
     if (options.dialect.globalNetMark && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
     if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
   }
-  netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
+  if (tables) tables->netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
 
   const std::string& probe = attribute("PROBE");
   if (!probe.empty()) probes.emplace(ProbeExpression(options, probe, NodeName(options, n, nodeMap)), false);
@@ -247,8 +244,8 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   keepFirst(nodesets, attribute("NODESET"));
   keepFirst(initialConditions, attribute("IC"));
   keepFirst(guesses, attribute("GUESS"));
-  if (net.isGlobal) {
-    std::string& global = globalNets[lb];
+  if (net.isGlobal && tables) {
+    std::string& global = tables->globalNets[lb];
     if (global.empty()) global = Peek(nodeMap, n);
   }
 }

@@ -12,10 +12,13 @@
 #include "design/tessel.h"
 #include "design/wire_options.h"
 
-/// Global net label to its node text, for the .global lines.
-extern std::map<std::string, std::string> globalNets;
-/// Block name "/" lower-case node text to the net's internal name.
-extern std::unordered_map<std::string, std::string> netDictionary;
+/// What the walk of a design gathers over all of its blocks, for the generator.
+struct WalkTables {
+  /// Global net label to its node text, for the .global lines.
+  std::map<std::string, std::string> globalNets;
+  /// Block name "/" lower-case node text to the net's internal name.
+  std::unordered_map<std::string, std::string> netDictionary;
+};
 
 class SpiceBlock {
  public:
@@ -57,6 +60,9 @@ class SpiceBlock {
   WireOptions options;
   std::string instancePath;
   Tessel::IUIDManager* uidManager = nullptr;
+  WalkTables* tables = nullptr;       // the project's, filled while the nets are scanned
+  ModelMapper modelMapper = nullptr;  // handed to each component's load
+  NetAliasTable netAliases;           // the shunt aliases of this block
   std::shared_ptr<PinNodeTable> pinNodes = std::make_shared<PinNodeTable>();
   GatheredAttributesCache gatheredAttributes;  // by attribute lists, for the flat walk
   Tessel::IteratorT<const Tessel::IComp> compIter;
@@ -67,4 +73,3 @@ class SpiceBlock {
   void ScanNet(const SpiceNet& net, const std::string& rawBlockName);
   void CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath);
 };
-

@@ -13,7 +13,6 @@ namespace {
 
 const std::string kEmpty;
 const ModelData kNoModel;
-ModelMapper installedMapper = nullptr;
 
 // Beyond this many bits a bus pin's range is taken as bad input and cut.
 constexpr int kMaxBusBits = 65536;
@@ -103,11 +102,6 @@ void AttributeTable::SetIfEmpty(const std::string& upperKey, const std::string& 
   SetIfEmptyIn(list, upperKey, value);
   Assign(std::move(list));
 }
-
-// ---- model mapper ----
-
-void SetModelMapper(ModelMapper mapper) { installedMapper = mapper; }
-ModelMapper GetModelMapper() { return installedMapper; }
 
 // ---- small readers ----
 
@@ -303,7 +297,8 @@ void SpiceComp::AddPin(std::string key, SpiceNet net) {
   pinNets.push_back(PinEntry{std::move(key), std::move(net)});
 }
 
-void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets) {
+void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets,
+                             const NetAliasTable& aliases) {
   size_t open = pinName.find('[');
   size_t close = pinName.find(']');
   size_t colon = pinName.find(':');
@@ -315,7 +310,7 @@ void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const
   int lastBitNumber = std::atoi(Between(pinName, colon + 1, close).c_str());
   int step = lastBitNumber > firstBitNumber ? 1 : -1;
   for (int bit = firstBitNumber, count = 0; count < kMaxBusBits; bit += step, ++count) {
-    SpiceNet entry(nets, false, false);
+    SpiceNet entry(nets, aliases, false, false);
     entry.busBit = true;
     entry.firstBit = bit == firstBitNumber;
     entry.lastBit = bit == lastBitNumber && bit != firstBitNumber;
@@ -325,7 +320,7 @@ void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const
   }
 }
 
-void SpiceComp::LoadPins(const Tessel::IComp& comp) {
+void SpiceComp::LoadPins(const Tessel::IComp& comp, const NetAliasTable& aliases) {
   comp.GetPinsCount(pinCount);
   bool hdl = IsHdlModel();
   const std::string& modelPins = ModelPinList();
@@ -350,13 +345,13 @@ void SpiceComp::LoadPins(const Tessel::IComp& comp) {
     pins->GetIterNetsConnected(nets);
     pins->GetIterBusesConnected(buses);
     if (width > 1 && !modelPins.empty() && modelPins.find(key) == std::string::npos)
-      ExpandBusPin(key, nets);
+      ExpandBusPin(key, nets, aliases);
     else if (hdl)
-      AddPin(key, SpiceNet(nets, true, false));
+      AddPin(key, SpiceNet(nets, aliases, true, false));
     else if (width > 1 && buses.IsValid())
       AddPin(key, SpiceNet(buses));
     else
-      AddPin(key, SpiceNet(nets, false, false));
+      AddPin(key, SpiceNet(nets, aliases, false, false));
   }
 }
 
@@ -404,7 +399,7 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 // ---- the two loads ----
 
 void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
-                     const std::string& blockPath) {
+                     const std::string& blockPath, const NetAliasTable& aliases, ModelMapper mapper) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -426,8 +421,8 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
     excluded = true;
     return;
   }
-  if (options.dialect.hdlModels && installedMapper) installedMapper(*this);
-  LoadPins(comp);
+  if (options.dialect.hdlModels && mapper) mapper(*this);
+  LoadPins(comp, aliases);
   DecideKind(comp, options);
   FormDeckName(options);
 }

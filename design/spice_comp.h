@@ -97,11 +97,16 @@ enum CompKind : int32_t {
   kStoppedInstance = 3,  // an instance whose LEVEL a -l switch names: written as a primitive
 };
 
+class SpiceComp;
+/// The model mapping of HDL models (model/), handed to the loader by run/.
+using ModelMapper = void (*)(SpiceComp& comp);
+
 class SpiceComp {
  public:
   /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
+  /// `aliases` are the shunt aliases of the block; `mapper` (may be null) maps HDL models.
   void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
-            const std::string& instancePath);
+            const std::string& instancePath, const NetAliasTable& aliases, ModelMapper mapper);
   /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
   /// `gathered` (may be null) keeps the attributes of each list already read.
   void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
@@ -155,13 +160,14 @@ class SpiceComp {
   void GatherAttributes(const Tessel::IComp& comp);
   /// GatherAttributes on a component with no attributes yet, through `gathered`.
   void GatherAttributesOnce(const Tessel::IComp& comp, GatheredAttributesCache* gathered);
-  void LoadPins(const Tessel::IComp& comp);
+  void LoadPins(const Tessel::IComp& comp, const NetAliasTable& aliases);
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes);
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes, const FlatScope& scope);
   void DecideKind(const Tessel::IComp& comp, const WireOptions& options);
   void FormDeckName(const WireOptions& options);
   void AddPin(std::string key, SpiceNet net);
-  void ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets);
+  void ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets,
+                    const NetAliasTable& aliases);
 
  private:
   // Index of pin keys for components with many pins; built on first use and shared by
@@ -175,8 +181,3 @@ std::string ComponentInternalName(const Tessel::IComp& comp, Tessel::IUIDManager
 
 /// "(lib)_TOP" -> "TOP"; other names stay.
 std::string StripBlockPrefix(const std::string& name);
-
-/// The model mapping for Kelpo decks runs inside SpiceComp::Load; model/ installs it.
-using ModelMapper = void (*)(SpiceComp& comp);
-void SetModelMapper(ModelMapper mapper);
-ModelMapper GetModelMapper();

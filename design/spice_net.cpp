@@ -1,8 +1,6 @@
 // SpiceNet: building connection records from nets, buses, ports and pins, and naming nets.
 #include "design/spice_net.h"
 
-NetAliasTable netAliases;
-
 namespace {
 
 const std::string kEmpty;
@@ -13,11 +11,11 @@ const char* const kNetAttributeKeys[] = {"NODE", "PROBE", "IC", "NODESET", "GUES
 
 }  // namespace
 
-std::string NetName(const Tessel::INet& net) {
+std::string NetName(const Tessel::INet& net, const NetAliasTable& aliases) {
   Tessel::String label;
   net.GetLabel(label);
-  auto alias = netAliases.find(label.str());
-  if (alias != netAliases.end() && !alias->second.empty()) return alias->second;
+  auto alias = aliases.find(label.str());
+  if (alias != aliases.end() && !alias->second.empty()) return alias->second;
   Tessel::String value;
   net.GetAttribute("NET_ALIAS", value, Tessel::eAttrInstance);
   if (!value.IsEmpty()) return value.str();
@@ -36,7 +34,7 @@ SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::IBus>& bus) {
   name = busLabel.str();
 }
 
-SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::IPort>& port) {
+SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::IPort>& port, const NetAliasTable& aliases) {
   isPort = true;
   Tessel::String value;
   Tessel::Result read = port->GetAttribute("SIGNAL", value, Tessel::eAttrInstance);
@@ -52,14 +50,15 @@ SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::IPort>& port) {
   } else {
     Tessel::IteratorT<const Tessel::INet> nets;
     port->GetIterNetsConnected(nets);
-    for (; nets->IsValid(); nets++) Detail().members.emplace_back(nets, false);
+    for (; nets->IsValid(); nets++) Detail().members.emplace_back(nets, aliases, false);
   }
   Tessel::String portName;
   port->GetName(portName);
   name += portName.str();
 }
 
-SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, bool walk, bool readAttributes) {
+SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, const NetAliasTable& aliases, bool walk,
+                   bool readAttributes) {
   bool global = false;
   net->IsGlobal(global);
   Tessel::String netLabel;
@@ -72,10 +71,10 @@ SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, bool walk, 
       if (read.success || !value.IsEmpty()) Detail().netAttributes[key] = value.str();
     }
   }
-  name = NetName(*net.operator->());
+  name = NetName(*net.operator->(), aliases);
   if (walk) {
     Tessel::IteratorT<const Tessel::INet> next = net;
-    for (next++; next->IsValid(); next++) name += " " + NetName(*next.operator->());
+    for (next++; next->IsValid(); next++) name += " " + NetName(*next.operator->(), aliases);
   }
   if (global) isGlobal = true;
 }

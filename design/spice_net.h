@@ -8,19 +8,19 @@
 
 #include "design/tessel.h"
 
-/// Net label to replacement name, filled by shunts; emptied at every block load.
+/// Net label to replacement name, filled by the shunts of the block being loaded.
 using NetAliasTable = std::map<std::string, std::string>;
-extern NetAliasTable netAliases;
 
 class SpiceNet {
  public:
   SpiceNet() = default;
   explicit SpiceNet(const Tessel::IteratorT<const Tessel::IPin>& pin);
-  explicit SpiceNet(const Tessel::IteratorT<const Tessel::IPort>& port);
+  SpiceNet(const Tessel::IteratorT<const Tessel::IPort>& port, const NetAliasTable& aliases);
   explicit SpiceNet(const Tessel::IteratorT<const Tessel::IBus>& bus);
   /// With `walk`, the name lists this and every following net of the iterator.
   /// `readAttributes` false skips the net attributes, for pin entries, which never read them.
-  SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, bool walk, bool readAttributes = true);
+  SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, const NetAliasTable& aliases, bool walk,
+           bool readAttributes = true);
 
   /// A copy keeps name, flags, label and net attributes; signal, members and the
   /// internal name stay empty.
@@ -65,4 +65,4 @@ class SpiceNet {
 };
 
 /// NetName: the shunt alias of the net's label, else its NET_ALIAS, else the label.
-std::string NetName(const Tessel::INet& net);
+std::string NetName(const Tessel::INet& net, const NetAliasTable& aliases);

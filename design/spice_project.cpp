@@ -139,7 +139,10 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   Tessel::ContainerT<const Tessel::IPath> rootOccurrence;
   bool byPath = !tail.empty() && FindSubPath(uidManager, block, tail, rootOccurrence);
   rootBlock.uidManager = uidManager;
+  rootBlock.tables = &tables;
+  rootBlock.modelMapper = modelMapper;
   rootBlock.Load(block, rootOccurrence, options, "", byPath);
+  options.inventedNodes = rootBlock.options.inventedNodes;
   return rootBlock;
 }
 
@@ -168,8 +171,12 @@ void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& i
     visitedBlocks.push_back(childName);
     SpiceBlock definition;
     definition.uidManager = uidManager;
+    definition.tables = &tables;
+    definition.modelMapper = modelMapper;
     Tessel::ContainerT<const Tessel::IPath> noPath;
     definition.Load(child, noPath, options, currentInstancePath, false);
+    // The count of invented nodes runs on over the blocks of the walk.
+    options.inventedNodes = definition.options.inventedNodes;
     WalkHierarchy(child, childName);
     Tessel::IteratorT<const Tessel::IPin> pins;
     comp.GetIterPins(pins);

@@ -20,7 +20,8 @@ class SpiceProject {
 
   bool Open(std::string location);
   void SetOptions(WireOptions options);
-  SpiceBlock& FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block, std::string& rootPath);
+  SpiceBlock& FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
+                       std::string& rootPath);
   void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
   void WalkFlat(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
 
@@ -45,6 +46,10 @@ class SpiceProject {
   Tessel::IUIDManager* uidManager = nullptr;
   Tessel::IUIDManager uidManagerObject;
   std::vector<SpiceBlock> subBlocks;
+  /// Global nets and the net dictionary of all blocks, for the generator.
+  WalkTables tables;
+  /// Maps the HDL models of components while they load (Kelpo); set by run/.
+  ModelMapper modelMapper = nullptr;
 
  private:
   void VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance, const std::string& name);

@@ -73,6 +73,9 @@ struct WireOptions {
 
   /// Node counter of NodeName; each copy counts on its own.
   int32_t nextNodeNumber = 0;
+  /// Counter of the nodes NodeName invents for pins without a net; the walk carries it
+  /// from block to block, and the generator starts it over at each block it writes.
+  int32_t inventedNodes = 0;
 
   std::shared_ptr<LevelList> levels;
   std::shared_ptr<UsedNames> usedNames;

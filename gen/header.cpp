@@ -66,7 +66,7 @@ void CSpiceGen::WriteHeader(const SpiceBlock& root) {
   }
 }
 
-void CSpiceGen::WriteGlobals() {
+void CSpiceGen::WriteGlobals(const std::map<std::string, std::string>& globalNets) {
   if (!globalNets.empty()) out << "\n*Globals \n";
   for (const auto& entry : globalNets) out << ".global " << entry.second << "\n";
 }

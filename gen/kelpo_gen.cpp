@@ -39,7 +39,7 @@ void CKelpoSpiceGen::Run(SpiceProject& project) {
   FlushParameterFiles();
   RunFrame(project, dialect.frame);
   if (out.IsOpen()) out.Close();
-  WriteNetUidMap(project.Root().Name());
+  WriteNetUidMap(project.Root().Name(), project.tables.netDictionary);
 }
 
 void CKelpoSpiceGen::WriteRootComponents(SpiceBlock& root) {
@@ -194,7 +194,8 @@ void CKelpoSpiceGen::WriteModelDirectives() {
   for (const std::string& line : modelDirectives) out << line << "\n";
 }
 
-void CKelpoSpiceGen::WriteNetUidMap(const std::string& rootName) {
+void CKelpoSpiceGen::WriteNetUidMap(const std::string& rootName,
+                                    const std::unordered_map<std::string, std::string>& netDictionary) {
   // The table of net names is complete before the deck is written, and each block's
   // copy of it is the last word on its keys, so one copy at the end gives the same map.
   for (const auto& [key, value] : netDictionary) netUidMap[key] = value;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -34,8 +35,10 @@ class CKelpoSpiceGen : public CSpiceGen {
   /// The netUidMap entry of one component of `blockName`.
   void MapComponentName(const SpiceComp& comp, const std::string& blockName);
   void AddModelDirective(const std::string& line);
-  /// The netUidMap file "genhdl\<root>\netUidMap", one "key value" line per entry.
-  void WriteNetUidMap(const std::string& rootName);
+  /// The netUidMap file "genhdl\<root>\netUidMap", one "key value" line per entry, with
+  /// the walk's net dictionary.
+  void WriteNetUidMap(const std::string& rootName,
+                      const std::unordered_map<std::string, std::string>& netDictionary);
 
  private:
   void WriteExcludedNote(const SpiceComp& comp);

@@ -60,12 +60,12 @@ void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame) {
   if (frame.definitionsBehindRoot)
     for (auto block = project.SubBlocks().rbegin(); block != project.SubBlocks().rend(); ++block)
       WriteDefinition(*block);
-  if (frame.globals == DeckFrame::kGlobalsBeforeIncludes) WriteGlobals();
+  if (frame.globals == DeckFrame::kGlobalsBeforeIncludes) WriteGlobals(project.tables.globalNets);
   WriteModelIncludes();
   WriteModelDirectives();
   if (frame.optionsLine) out << ".OPTIONS INGOLD=2 CSDF=2\n";
   if (frame.endMark) out << "*.END\n";
-  if (frame.globals == DeckFrame::kGlobalsAtEnd) WriteGlobals();
+  if (frame.globals == DeckFrame::kGlobalsAtEnd) WriteGlobals(project.tables.globalNets);
 }
 
 void CSpiceGen::BeginBlock(SpiceBlock& block) {

@@ -97,7 +97,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
 
   // ---- gen/header.cpp ----
   void WriteHeader(const SpiceBlock& root);
-  void WriteGlobals();
+  void WriteGlobals(const std::map<std::string, std::string>& globalNets);
   void WriteModelIncludes();
   void WriteHdlIncludes(std::string name);
   void RegisterModel(std::string model, const SpiceComp& comp);

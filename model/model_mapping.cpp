@@ -292,5 +292,3 @@ void MapComponentModel(SpiceComp& comp) {
   ReadModelMapping(comp);
   ReadInstanceMapping(comp);
 }
-
-void InstallModelMapper() { SetModelMapper(&MapComponentModel); }

@@ -12,10 +12,8 @@
 void ReadModelMapping(SpiceComp& comp);
 /// Reads the parameter values set on this instance from "sym\Instances_Info.xml".
 void ReadInstanceMapping(SpiceComp& comp);
-/// Both stages, in order; the mapper that SpiceComp::Load calls for Kelpo decks.
+/// Both stages, in order; the mapper that run/ hands to the loader for Kelpo decks.
 void MapComponentModel(SpiceComp& comp);
-/// Makes SpiceComp::Load call MapComponentModel.
-void InstallModelMapper();
 
 /// The first node from `node` on through its siblings that is not named "text" and whose
 /// attribute `attributeName` equals `value` ignoring case (a missing attribute reads as "").

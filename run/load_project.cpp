@@ -2,11 +2,13 @@
 #include <exception>
 
 #include "gen/spice_gen.h"
+#include "model/model_mapping.h"
 
 bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOptions options) {
   try {
     if (!project.Open(databaseName)) return false;
     project.SetOptions(options);
+    project.modelMapper = &MapComponentModel;
     Tessel::ContainerT<const Tessel::IBlock> block;
     project.FindRoot(group, block, options.rootPath);
     if (!block.IsValid()) return false;

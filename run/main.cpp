@@ -9,7 +9,6 @@
 #include "gen/flavours.h"
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
-#include "model/model_mapping.h"
 
 namespace {
 
@@ -61,7 +60,6 @@ int RunAll(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
   try {
-    InstallModelMapper();
     int code = RunAll(argc, argv);
     std::cout.flush();
     return code;

@@ -60,7 +60,6 @@ TEST(LegalizeName, EachDialectsCharacters) {
 
 TEST(NodeName, InventedNodesSkipTextsInUseAndAreNotEntered) {
   WireOptions o = Kind(kPspice, false);
-  inventedNodes = 0;
   NodeTable table{{"N0", "5"}, {"n2", "6"}, {"3", "7"}, {"N4", ""}, {"GND1", "8"}};
   EXPECT_EQ(NodeName(o, "", table), "N1");
   EXPECT_EQ(NodeName(o, "", table), "N4");  // N2 by its lower case, 3 by its number; empty counts as absent

@@ -1,32 +1,29 @@
-// A buffered text sink for the deck: appends to memory and writes large chunks.
+// A buffered text sink for the deck: appends to memory and hands large chunks to the
+// std::ostream it is opened on.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
+#include <ostream>
 #include <string>
 #include <string_view>
 
 class DeckStream {
  public:
   DeckStream() = default;
-  ~DeckStream() { Close(); }
   DeckStream(const DeckStream&) = delete;
   DeckStream& operator=(const DeckStream&) = delete;
 
-  /// Opens `fsPath` for writing, replacing a file there. Returns false on failure; the
-  /// text then goes nowhere, as a failed stream would.
-  bool Open(const std::string& fsPath);
-  /// Collects the text in memory only (tests).
-  void OpenInMemory();
+  /// Sends the text from now on to `sink`, which must outlive the Close. While no sink is
+  /// open the text goes nowhere.
+  void Open(std::ostream& sink);
+  /// Writes what is held to the sink and lets go of it.
   void Close();
-  bool IsOpen() const { return file_ != nullptr || inMemory_; }
-  /// The text held in memory (OpenInMemory), or what has not been flushed yet.
-  const std::string& Text() const { return buffer_; }
+  bool IsOpen() const { return sink_ != nullptr; }
 
   DeckStream& operator<<(std::string_view text) {
-    if (file_ || inMemory_) {
+    if (sink_) {
       buffer_.append(text);
-      if (file_ && buffer_.size() > kFlushSize) Flush();
+      if (buffer_.size() > kFlushSize) Flush();
     }
     return *this;
   }
@@ -40,7 +37,6 @@ class DeckStream {
  private:
   static constexpr size_t kFlushSize = 1 << 20;
   void Flush();
-  std::FILE* file_ = nullptr;
-  bool inMemory_ = false;
+  std::ostream* sink_ = nullptr;
   std::string buffer_;
 };

@@ -1,4 +1,5 @@
 // The dictionary of each block (net name to node text) and the -x side file.
+#include <fstream>
 #include <iostream>
 #include <string_view>
 
@@ -34,8 +35,8 @@ void CSpiceGen::OpenCrossReference(std::string group) {
   const std::string path = group + ".xrf";
   size_t slash = path.find_last_of("\\/");
   if (slash != std::string::npos) MakeFolder(path.substr(0, slash));
-  xrefOut.Open(FileSystemPath(path));
+  xrefOut.open(FileSystemPath(path), std::ios::binary | std::ios::trunc);
   xrefOut << "V 2 0 0\n";
   // Nothing else is ever written to it, so it is complete now.
-  xrefOut.Close();
+  xrefOut.close();
 }

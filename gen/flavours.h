@@ -7,7 +7,7 @@
 class PspiceGen : public CSpiceGen {
  public:
   explicit PspiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
-  void Run(SpiceProject& project);
+  void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
 };
 
@@ -16,7 +16,7 @@ class PspiceGen : public CSpiceGen {
 class HspiceGen : public CSpiceGen {
  public:
   explicit HspiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
-  void Run(SpiceProject& project);
+  void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
 };
 
@@ -24,6 +24,6 @@ class HspiceGen : public CSpiceGen {
 class GSpiceGen : public CSpiceGen {
  public:
   explicit GSpiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
-  void Run(SpiceProject& project);
+  void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
 };

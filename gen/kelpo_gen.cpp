@@ -34,11 +34,10 @@ std::string OverridingValue(const SpiceComp& comp, const std::string& name) {
 
 }  // namespace
 
-void CKelpoSpiceGen::Run(SpiceProject& project) {
+void CKelpoSpiceGen::Run(SpiceProject& project, std::ostream& deck) {
   // The design walk is over; the post pass reads the parameter files it produced.
   FlushParameterFiles();
-  RunFrame(project, dialect.frame);
-  if (out.IsOpen()) out.Close();
+  RunFrame(project, dialect.frame, deck);
   WriteNetUidMap(project.Root().Name(), project.tables.netDictionary);
 }
 

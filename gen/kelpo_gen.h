@@ -13,8 +13,8 @@ class CKelpoSpiceGen : public CSpiceGen {
   CKelpoSpiceGen() = default;
   explicit CKelpoSpiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
 
-  /// Writes the whole deck, then the netUidMap file beside it.
-  void Run(SpiceProject& project);
+  /// Writes the whole deck to `deck`, then the netUidMap file.
+  void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
   /// The root's components by their model word, each entered in the netUidMap.
   void WriteRootComponents(SpiceBlock& root) override;

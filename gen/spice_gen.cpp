@@ -23,27 +23,30 @@ std::string FolderOf(const std::string& path) {
 
 }  // namespace
 
-void CSpiceGen::OpenWirelist(SpiceProject& project) {
+std::string CSpiceGen::CircuitPathOf(SpiceProject& project) const {
   const std::string rootName = project.Root().Name();
   const std::string base = circuitFileName.empty() ? rootName : circuitFileName;
-  if (!outputFolder.empty())
-    circuitPath = outputFolder + "\\" + base + "." + circuitExtension;
-  else if (dialect.genhdlFolder)
-    circuitPath = "genhdl\\" + rootName + "\\" + base + "." + circuitExtension;
-  else
-    circuitPath = base + "." + circuitExtension;
+  if (!outputFolder.empty()) return outputFolder + "\\" + base + "." + circuitExtension;
+  if (dialect.genhdlFolder) return "genhdl\\" + rootName + "\\" + base + "." + circuitExtension;
+  return base + "." + circuitExtension;
+}
 
+void MakeDeckFolders(const std::string& circuitPath) {
   // Only the two folder levels in front of the file are created, outer one first.
   const std::string inner = FolderOf(circuitPath);
   const std::string outer = FolderOf(inner);
   if (!outer.empty()) MakeFolder(outer);
   if (!inner.empty()) MakeFolder(inner);
-  out.Open(FileSystemPath(circuitPath));
 }
 
-void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame) {
+void CSpiceGen::OpenWirelist(SpiceProject& project, std::ostream& deck) {
+  circuitPath = CircuitPathOf(project);
+  out.Open(deck);
+}
+
+void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame, std::ostream& deck) {
   SpiceBlock& root = project.Root();
-  OpenWirelist(project);
+  OpenWirelist(project, deck);
   WriteHeader(root);
   if (frame.hdlIncludes) WriteHdlIncludes(root.Name());
   if (!frame.definitionsBehindRoot)
@@ -66,6 +69,7 @@ void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame) {
   if (frame.optionsLine) out << ".OPTIONS INGOLD=2 CSDF=2\n";
   if (frame.endMark) out << "*.END\n";
   if (frame.globals == DeckFrame::kGlobalsAtEnd) WriteGlobals(project.tables.globalNets);
+  out.Close();
 }
 
 void CSpiceGen::BeginBlock(SpiceBlock& block) {

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
 #include <string_view>
@@ -53,13 +55,17 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
 
   // ---- gen/spice_gen.cpp: frame of a run ----
   void SetDatabaseName(std::string) { databaseName = "database"; }
-  /// The whole deck in the order `frame` gives: header, definitions, root, closing lines.
-  void RunFrame(SpiceProject& project, const DeckFrame& frame);
+  /// The whole deck, written to `deck`, in the order `frame` gives: header, definitions,
+  /// root, closing lines.
+  void RunFrame(SpiceProject& project, const DeckFrame& frame, std::ostream& deck);
   /// The root's component loop; a flavour that writes some components its own way overrides it.
   virtual void WriteRootComponents(SpiceBlock& root) { WriteComponents(root); }
   /// Lines a flavour adds behind the model includes.
   virtual void WriteModelDirectives() {}
-  void OpenWirelist(SpiceProject& project);
+  /// The deck's path: in the -% folder, in Kelpo's "genhdl\<root>\", or in the working folder.
+  std::string CircuitPathOf(SpiceProject& project) const;
+  /// Sets `circuitPath`, which the passes read, and sends `out` to `deck`.
+  void OpenWirelist(SpiceProject& project, std::ostream& deck);
   void BeginBlock(SpiceBlock& block);
   /// The component loop of a block: stops at a component without attributes.
   void WriteComponents(SpiceBlock& block);
@@ -138,7 +144,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   std::string circuitPath;
   std::string databaseName;
   std::string lineBody;
-  DeckStream xrefOut;
+  std::ofstream xrefOut;
   std::map<std::string, bool> flatProbes;
   std::map<std::string, SpiceComp> generatorComps;
   std::map<std::string, std::string> modelFiles;
@@ -149,3 +155,6 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   bool voltageProbeHere = false;
   bool generatorHere = false;
 };
+
+/// Makes the two folder levels in front of the deck at `circuitPath`, outer one first.
+void MakeDeckFolders(const std::string& circuitPath);

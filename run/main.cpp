@@ -1,9 +1,11 @@
 // The program's entry: options, the chosen generator, the design, the deck and its two passes.
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
 
+#include "design/platform.h"
 #include "design/spice_project.h"
 #include "gen/dialect_of.h"
 #include "gen/flavours.h"
@@ -25,7 +27,12 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
   // the design's memory goes back before they hold the deck's text.
-  gen.Run(*project);
+  // The deck's file is opened here and handed to the generator, which writes it whole.
+  const std::string path = gen.CircuitPathOf(*project);
+  MakeDeckFolders(path);
+  std::ofstream deck(FileSystemPath(path), std::ios::binary | std::ios::trunc);
+  gen.Run(*project, deck);
+  deck.close();
   project.reset();
   gen.ProbeProcess();
   gen.PostProcess();

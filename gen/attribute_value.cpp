@@ -30,7 +30,7 @@ bool MayBeNumber(const std::string& value) {
 
 std::string CSpiceGen::EvaluateAttributeValue(const SpiceComp& comp, const std::string& paramName,
                                               std::string value) {
-  const UnitRules rules{&uParNames, &pParNames, stripUnits};
+  const UnitRules rules{&config.uParNames, &config.pParNames, config.stripUnits};
   double number = 0;
   if (value.find('@') == std::string::npos) {
     AdjustUnit(value, value, paramName, rules);
@@ -44,7 +44,7 @@ std::string CSpiceGen::EvaluateAttributeValue(const SpiceComp& comp, const std::
   AdjustUnit(text, text, paramName, rules);
   if (EvaluateExpression(text, number) == kEvaluationOk) return FormatEngineering(number);
   // Left for the simulator to work out.
-  if (!dialect.bracedExpressions) return text;
+  if (!options.dialect.bracedExpressions) return text;
   if (ClassifyValue(text) == kArithmeticValue) return "{" + text + "}";
   return text;
 }

@@ -170,7 +170,7 @@ class OrderExpander {
 void CSpiceGen::EmitComponent(SpiceComp& comp) {
   if (!comp.HasAttributes()) return;
   if (comp.RefName().empty() && comp.Kind() != kStoppedInstance) return;
-  if (flatten && comp.RefName().empty()) {
+  if (options.flatten && comp.RefName().empty()) {
     std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
     std::cout << note;
     out << note;
@@ -204,7 +204,7 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
     out << ' ' << lineBody;
   } else {
     if (namesCalled) out << ' ' << comp.ChildBlockName();
-    if (dialect.instanceParameters || !comp.Attributes().Get("COMPOSITE_ORDER").empty()) {
+    if (options.dialect.instanceParameters || !comp.Attributes().Get("COMPOSITE_ORDER").empty()) {
       ExpandOrder(comp);
       out << ' ' << lineBody;
     }
@@ -223,14 +223,15 @@ void CSpiceGen::CheckSpecialComponent(SpiceComp& comp) {
 
 void CSpiceGen::ExpandOrder(SpiceComp& comp) {
   std::string order;
-  if (!firstOrder.empty() && firstOrder.compare(0, 4, "EXT=") != 0) order = comp.Attribute(firstOrder);
+  if (!options.firstOrder.empty() && options.firstOrder.compare(0, 4, "EXT=") != 0)
+    order = comp.Attribute(options.firstOrder);
   if (order.empty()) order = comp.Attributes().Get("ORDER");
   if (order.empty()) order = "Model$";
   lineBody.clear();
   modelRegistered = false;
   OrderExpander(*this, comp).Interpret(NormalizeOrderTemplate(order));
   TrimInPlace(lineBody);
-  if (!lineBody.empty() || alien || comp.Kind() == kInstance) return;
+  if (!lineBody.empty() || options.alien || comp.Kind() == kInstance) return;
   DefaultFromBare(lineBody, comp);
   if (lineBody.empty()) DefaultByPrefix(lineBody, comp);
 }

@@ -8,12 +8,14 @@
 
 void CSpiceGen::AddDictionaryLine(std::string_view line) {
   // Nets with internal names ("$...") show only in a verbose dictionary.
-  if (!probeAll && !verbose && line.size() > 2 && line[2] == '$' && line[0] != '$' && line[1] != '$') return;
+  if (!options.probeAll && !options.verbose && line.size() > 2 && line[2] == '$' && line[0] != '$' &&
+      line[1] != '$')
+    return;
   dictionaryLines.Add(line);
 }
 
 void CSpiceGen::WriteDictionary(int flag) {
-  if (!flatten) out << "\n";
+  if (!options.flatten) out << "\n";
   out << (flag == 0 ? "* Dictionary " : "* CROSS-REFERENCE ") << std::to_string(dictionaryLines.Size())
       << "\n";
   bool groundNamed = false;
@@ -22,7 +24,7 @@ void CSpiceGen::WriteDictionary(int flag) {
     if (entry.find("GND") != std::string::npos) groundNamed = true;
   });
   dictionaryLines.Clear();
-  if (flatten) WriteFlatProbes();
+  if (options.flatten) WriteFlatProbes();
   if (flag != 0 || groundSeen || groundNamed) return;
   static const char kWarning[] = "*Warning : No ground node (Label a net GND)";
   std::cout << kWarning << "\n";
@@ -31,7 +33,7 @@ void CSpiceGen::WriteDictionary(int flag) {
 }
 
 void CSpiceGen::OpenCrossReference(std::string group) {
-  if (!crossReference) return;
+  if (!options.crossReference) return;
   const std::string path = group + ".xrf";
   size_t slash = path.find_last_of("\\/");
   if (slash != std::string::npos) MakeFolder(path.substr(0, slash));

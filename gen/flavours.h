@@ -6,7 +6,7 @@
 /// Pspice decks (-p, the default).
 class PspiceGen : public CSpiceGen {
  public:
-  explicit PspiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
+  explicit PspiceGen(const WireOptions& options) { CopyOptionsFrom(options); }
   void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
 };
@@ -15,7 +15,7 @@ class PspiceGen : public CSpiceGen {
 /// no closing lines of its own.
 class HspiceGen : public CSpiceGen {
  public:
-  explicit HspiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
+  explicit HspiceGen(const WireOptions& options) { CopyOptionsFrom(options); }
   void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
 };
@@ -23,7 +23,7 @@ class HspiceGen : public CSpiceGen {
 /// Berkeley SPICE decks (-s).
 class GSpiceGen : public CSpiceGen {
  public:
-  explicit GSpiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
+  explicit GSpiceGen(const WireOptions& options) { CopyOptionsFrom(options); }
   void Run(SpiceProject& project, std::ostream& deck);
   void WriteDefinition(SpiceBlock& block) override;
 };

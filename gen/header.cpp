@@ -45,14 +45,14 @@ void CSpiceGen::WriteHeader(const SpiceBlock& root) {
   out << "* File created " << CreationTime() << "\n";
   out << "* Inifile   :  "
       << "\n";
-  out << "* ConfigFile:  " << configFile << "\n";
-  out << "* Options   :  " << optionsString << "\n";
+  out << "* ConfigFile:  " << options.configFile << "\n";
+  out << "* Options   :  " << options.optionsString << "\n";
   out << "* Levels    :  "
       << "\n";
   out << "*\n";
-  if (headerFile.empty()) return;
+  if (options.headerFile.empty()) return;
   std::string text;
-  if (!ReadWholeFile(headerFile, text)) {
+  if (!ReadWholeFile(options.headerFile, text)) {
     std::cout << "Warning: No Header File Found \n";
     return;
   }
@@ -91,7 +91,7 @@ void CSpiceGen::CollectModelFiles(const SpiceReader& reader, const SpiceSubckt* 
 }
 
 void CSpiceGen::WriteModelIncludes() {
-  if (!readModFiles) return;
+  if (!options.readModFiles) return;
   std::set<std::string> files;
   for (const std::string& name : usedModels) {
     if (name.empty()) continue;
@@ -122,13 +122,13 @@ void CSpiceGen::WriteModelInclude(const std::string& path) {
 
 void CSpiceGen::WriteHdlIncludes(std::string name) {
   const std::string stem = "genhdl\\" + name + "\\" + name;
-  const std::string sources = stem + (dialect.hdlSources ? "_sources.spi" : "_sources.cir");
+  const std::string sources = stem + (options.dialect.hdlSources ? "_sources.spi" : "_sources.cir");
   const bool haveSources = FileExists(sources);
-  const bool haveBoundaries = !dialect.hdlSources && FileExists(stem + "_boundaries.cir");
+  const bool haveBoundaries = !options.dialect.hdlSources && FileExists(stem + "_boundaries.cir");
   if (!haveSources && !haveBoundaries) return;
   const std::string included = "..\\..\\" + stem;
-  if (includeSources) {
-    if (dialect.hdlSources)
+  if (options.includeSources) {
+    if (options.dialect.hdlSources)
       out << ".include \"" << included << "_sources.spi\"\n";
     else
       out << ".include " << included << "_sources.cir\n";

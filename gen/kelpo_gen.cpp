@@ -37,7 +37,7 @@ std::string OverridingValue(const SpiceComp& comp, const std::string& name) {
 void CKelpoSpiceGen::Run(SpiceProject& project, std::ostream& deck) {
   // The design walk is over; the post pass reads the parameter files it produced.
   FlushParameterFiles();
-  RunFrame(project, dialect.frame, deck);
+  RunFrame(project, options.dialect.frame, deck);
   WriteNetUidMap(project.Root().Name(), project.tables.netDictionary);
 }
 
@@ -68,7 +68,7 @@ void CKelpoSpiceGen::WriteDefinition(SpiceBlock& block) {
     MapComponentName(comp, block.Name());
     Dispatch(comp, false);
   }
-  if (dictionary) WriteDictionary(1);
+  if (options.dictionary) WriteDictionary(1);
   WriteInitialConditions(block);
   out << ".ENDS\n"
       << "\n";

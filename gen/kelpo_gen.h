@@ -11,7 +11,7 @@
 class CKelpoSpiceGen : public CSpiceGen {
  public:
   CKelpoSpiceGen() = default;
-  explicit CKelpoSpiceGen(const CSpiceGen& options) { CopyOptionsFrom(options); }
+  explicit CKelpoSpiceGen(const WireOptions& options) { CopyOptionsFrom(options); }
 
   /// Writes the whole deck to `deck`, then the netUidMap file.
   void Run(SpiceProject& project, std::ostream& deck);

@@ -4,6 +4,6 @@
 #include "gen/spice_gen.h"
 
 void CSpiceGen::PostProcess() {
-  PostSettings settings{*this, *this, internalNames, currentInstance};
+  PostSettings settings{options, config, internalNames, currentInstance};
   PostProcessFile(circuitPath, settings);
 }

@@ -14,14 +14,14 @@ void CSpiceGen::ProbeProcess() {
     return;
   }
   // Flat decks got their print statements while written; -i and -e want none.
-  if (flatten || ignorePrints || dialect.dracula) return;
+  if (options.flatten || options.ignorePrints || options.dialect.dracula) return;
 
   std::string text;
   if (!ReadWholeFile(circuitPath, text)) {
     std::cout << "Error: Could not open data file " << circuitPath << std::endl;
     return;
   }
-  std::string newText = ProbeProcessText(text, probePass, PrintSettingsOf(*this), std::cout);
+  std::string newText = ProbeProcessText(text, probePass, PrintSettingsOf(options), std::cout);
   // The new text is written beside the deck and renamed over it, so a failure leaves
   // the deck as the generator wrote it.
   if (!ReplaceFile(circuitPath, newText))

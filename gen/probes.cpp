@@ -28,12 +28,13 @@ std::string FlatStatement(const CSpiceGen& gen, const std::string& keyword, cons
   const std::string analysis = keyword.substr(1);
   const bool ac = keyword == ".AC";
   const std::string both = ReplaceOpenings(expression, "DB(") + " " + ReplaceOpenings(expression, "P(");
-  switch (gen.dialect.printStyle) {
+  switch (gen.options.dialect.printStyle) {
     case PrintStyle::kPspice:
-      if (gen.printWord == ".PRINT") return gen.printWord + " " + analysis + " " + expression + "\n";
-      return gen.analogDeps ? "" : gen.printWord + " " + expression + "\n";
+      if (gen.options.printWord == ".PRINT")
+        return gen.options.printWord + " " + analysis + " " + expression + "\n";
+      return gen.options.analogDeps ? "" : gen.options.printWord + " " + expression + "\n";
     case PrintStyle::kAnalysis:
-      return gen.printWord + " " + analysis + " " + (ac ? both : expression) + "\n";
+      return gen.options.printWord + " " + analysis + " " + (ac ? both : expression) + "\n";
     case PrintStyle::kBerkeley:
       return ".PRINT " + analysis + " " + (ac ? both : expression) + "\n";
   }
@@ -44,7 +45,7 @@ std::string FlatStatement(const CSpiceGen& gen, const std::string& keyword, cons
 void WriteConditions(CSpiceGen& gen, const char* word, const std::map<std::string, std::string>& values) {
   std::string line;
   for (const auto& [label, value] : values)
-    if (!value.empty()) line += ProbeExpression(gen, "V", label) + "=" + value + " ";
+    if (!value.empty()) line += ProbeExpression(gen.options, "V", label) + "=" + value + " ";
   if (!line.empty()) gen.out << word << line << "\n";
 }
 
@@ -65,7 +66,7 @@ int CSpiceGen::CollectProbe(SpiceComp& comp) {
     return 1;
   }
   if (StartsWith(value, "ALL")) {
-    probeAll = true;
+    options.probeAll = true;
     return 0;
   }
   const std::vector<PinEntry>& pins = comp.PinNets();
@@ -76,9 +77,9 @@ int CSpiceGen::CollectProbe(SpiceComp& comp) {
   if (pins.size() > 2) std::cout << "warning";
   const std::string first = NodeName(pins[0].net.Name());
   if (pins.size() >= 2)
-    AddFlatProbe(ProbeDifferenceExpression(*this, value, first, NodeName(pins[1].net.Name())));
+    AddFlatProbe(ProbeDifferenceExpression(options, value, first, NodeName(pins[1].net.Name())));
   else
-    AddFlatProbe(ProbeExpression(*this, value, first));
+    AddFlatProbe(ProbeExpression(options, value, first));
   return 0;
 }
 
@@ -89,7 +90,7 @@ void CSpiceGen::CollectCurrentProbe(SpiceComp& comp, const std::string& value) {
     return;
   }
   if (pins > 2) std::cout << "Warning";
-  if (!flatten) {
+  if (!options.flatten) {
     // The component's own line follows and is the probed element.
     out << " * next line is a current sense\n";
     return;
@@ -106,7 +107,7 @@ void CSpiceGen::CollectGenerator(SpiceComp& comp) {
 void CSpiceGen::AddFlatProbe(const std::string& expression) { flatProbes.emplace(expression, false); }
 
 void CSpiceGen::WriteGeneratorStatements() {
-  if (dialect.hdlSources) return;
+  if (options.dialect.hdlSources) return;
   for (auto& [key, comp] : generatorComps) {
     if (key == ".NOISE" && !generatorComps.count(".AC")) {
       std::cout << "Error: Noise generator (.NOISE) requires Bode Plot";
@@ -120,11 +121,11 @@ void CSpiceGen::WriteGeneratorStatements() {
     // The generator's pins become its output variables: ".NOISE V([OUT])".
     if (PinsWanted(comp)) {
       for (const PinEntry& pin : comp.PinNets())
-        if (pin.net.IsConnected()) out << " " << ProbeExpression(*this, "V", NodeName(pin.net.Name()));
+        if (pin.net.IsConnected()) out << " " << ProbeExpression(options, "V", NodeName(pin.net.Name()));
     }
     ExpandOrder(comp);
     out << " " << lineBody << "\n";
-    if (key == ".NOISE" && !ignorePrints) out << ".PRINT NOISE ONOISE INOISE DB(ONOISE) DB(INOSIE)\n";
+    if (key == ".NOISE" && !options.ignorePrints) out << ".PRINT NOISE ONOISE INOISE DB(ONOISE) DB(INOSIE)\n";
     if (key == ".AC" || key == ".DC" || key == ".TRAN") NoteAnalysis(key);
   }
 }
@@ -132,12 +133,12 @@ void CSpiceGen::WriteGeneratorStatements() {
 void CSpiceGen::NoteAnalysis(const std::string& key) { analysisKeywords.Add(key); }
 
 void CSpiceGen::WriteFlatProbes() {
-  if (dialect.hdlSources || ignorePrints) return;
+  if (options.dialect.hdlSources || options.ignorePrints) return;
   analysisKeywords.ForEachNewestFirst([&](std::string_view view) {
     const std::string keyword(view);
-    if (dialect.csdfProbeLine) out << ".PROBE/CSDF\n";
-    if (flatProbes.empty() && probeAll) AddAllNodeProbes(nodes);
-    if (attWirelist) return;
+    if (options.dialect.csdfProbeLine) out << ".PROBE/CSDF\n";
+    if (flatProbes.empty() && options.probeAll) AddAllNodeProbes(nodes);
+    if (options.attWirelist) return;
     for (const auto& entry : flatProbes) out << FlatStatement(*this, keyword, entry.first);
   });
 }
@@ -148,7 +149,7 @@ void CSpiceGen::AddAllNodeProbes(const NodeTable& table) {
   for (const auto& entry : table) {
     const std::string& node = entry.second;
     if (node.empty() || node == "0") continue;
-    AddFlatProbe(ProbeExpression(*this, "", node));
+    AddFlatProbe(ProbeExpression(options, "", node));
   }
 }
 

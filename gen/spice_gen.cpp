@@ -5,10 +5,10 @@
 
 #include "design/platform.h"
 
-void CSpiceGen::CopyOptionsFrom(const CSpiceGen& options) {
-  std::string ownRootPath = rootPath;
-  static_cast<WireOptions&>(*this) = static_cast<const WireOptions&>(options);
-  rootPath = ownRootPath;
+void CSpiceGen::CopyOptionsFrom(const WireOptions& from) {
+  std::string ownRootPath = options.rootPath;
+  options = from;
+  options.rootPath = ownRootPath;
 }
 
 void CSpiceGen::WriteDefinition(SpiceBlock&) {}
@@ -25,10 +25,12 @@ std::string FolderOf(const std::string& path) {
 
 std::string CSpiceGen::CircuitPathOf(SpiceProject& project) const {
   const std::string rootName = project.Root().Name();
-  const std::string base = circuitFileName.empty() ? rootName : circuitFileName;
-  if (!outputFolder.empty()) return outputFolder + "\\" + base + "." + circuitExtension;
-  if (dialect.genhdlFolder) return "genhdl\\" + rootName + "\\" + base + "." + circuitExtension;
-  return base + "." + circuitExtension;
+  const std::string base = options.circuitFileName.empty() ? rootName : options.circuitFileName;
+  if (!options.outputFolder.empty())
+    return options.outputFolder + "\\" + base + "." + options.circuitExtension;
+  if (options.dialect.genhdlFolder)
+    return "genhdl\\" + rootName + "\\" + base + "." + options.circuitExtension;
+  return base + "." + options.circuitExtension;
 }
 
 void MakeDeckFolders(const std::string& circuitPath) {
@@ -58,7 +60,7 @@ void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame, std::ost
     WriteRootComponents(root);
   }
   if (frame.generatorStatements) WriteGeneratorStatements();
-  if (dictionary) WriteDictionary(0);
+  if (options.dictionary) WriteDictionary(0);
   WriteInitialConditions(root);
   if (frame.definitionsBehindRoot)
     for (auto block = project.SubBlocks().rbegin(); block != project.SubBlocks().rend(); ++block)
@@ -76,15 +78,15 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
   // Each block is written once: its table moves here instead of being copied.
   nodes = std::move(block.NodeMap());
   block.NodeMap().clear();
-  for (const auto& [key, value] : nameMap) {
+  for (const auto& [key, value] : config.nameMap) {
     std::string node = nodes[value];
     nodes[key] = node;
   }
   flatProbes = block.Probes();
   generatorComps.clear();
   analysisKeywords.Clear();
-  nextNodeNumber = block.nextNode;
-  inventedNodes = 0;
+  options.nextNodeNumber = block.nextNode;
+  options.inventedNodes = 0;
 }
 
 void CSpiceGen::WriteComponents(SpiceBlock& block) {
@@ -107,7 +109,7 @@ void CSpiceGen::WriteDefinitionBody(SpiceBlock& block, const char* endText) {
   for (const SpiceNet& port : block.Ports()) out << ' ' << NodeName(port.Name());
   out << "\n";
   WriteComponents(block);
-  if (dictionary) WriteDictionary(1);
+  if (options.dictionary) WriteDictionary(1);
   WriteInitialConditions(block);
   out << endText << "\n";
 }

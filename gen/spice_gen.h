@@ -1,4 +1,4 @@
-// CSpiceGen: the generator base class, and at once the record of the options.
+// CSpiceGen: the generator base class; it owns the options and the configuration of its run.
 //
 // The operations are spread over files by family (see the comments on each group);
 // every deck line goes through `out`.
@@ -28,12 +28,12 @@
 class SpiceReader;
 struct SpiceSubckt;
 
-class CSpiceGen : public WireOptions, public SpiceConfig {
+class CSpiceGen {
  public:
   CSpiceGen() = default;
-  /// A flavour is built from an options record: it copies the option fields (but
-  /// rootPath) into a freshly constructed generator.
-  void CopyOptionsFrom(const CSpiceGen& options);
+  /// A flavour is built from the options of the command line: it copies the option fields
+  /// (but rootPath) into a freshly constructed generator.
+  void CopyOptionsFrom(const WireOptions& from);
   virtual ~CSpiceGen() = default;
 
   virtual void Reserved() {}
@@ -86,8 +86,8 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   std::string EvaluateAttributeValue(const SpiceComp& comp, const std::string& paramName, std::string value);
 
   // ---- gen/node_writer.cpp: nodes through this generator's table ----
-  std::string NodeName(const std::string& name, NodeTable& table) { return ::NodeName(*this, name, table); }
-  std::string NodeName(const std::string& name) { return ::NodeName(*this, name, nodes); }
+  std::string NodeName(const std::string& name, NodeTable& table) { return ::NodeName(options, name, table); }
+  std::string NodeName(const std::string& name) { return ::NodeName(options, name, nodes); }
 
   // ---- gen/pins.cpp ----
   void WritePins(const SpiceComp& comp, bool group);
@@ -128,6 +128,11 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   // ---- gen/passes.cpp: the two passes over the written deck ----
   void ProbeProcess();
   void PostProcess();
+
+  /// The switches and ini file (run/options.cpp), and the dialect built from them.
+  WireOptions options;
+  /// The configuration file's dialect rules (run/config_file.cpp).
+  SpiceConfig config;
 
   // ---- run state ----
   NodeTable nodes;

@@ -187,9 +187,9 @@ std::string DefaultConfigPath() {
 }  // namespace
 
 int CSpiceGen::ReadConfigFile() {
-  if (configFile.empty()) configFile = DefaultConfigPath();
+  if (options.configFile.empty()) options.configFile = DefaultConfigPath();
   std::string text;
-  if (!FileExists(configFile) || !ReadWholeFile(configFile, text)) {
+  if (!FileExists(options.configFile) || !ReadWholeFile(options.configFile, text)) {
     std::cout << "Error: No Configuration File Found \n";
     return 1;
   }
@@ -200,7 +200,7 @@ int CSpiceGen::ReadConfigFile() {
     ConfigLine line = CutLine(lines[i]);
     if (IsNameKey(line.key)) {
       ++i;
-      AddNamePairs(*this, line, i < lines.size() ? &lines[i] : nullptr);
+      AddNamePairs(config, line, i < lines.size() ? &lines[i] : nullptr);
     } else if (line.key == "UPARNAMS") {
       lists.uText = line.restOfLine;
       lists.uSeen = true;
@@ -208,9 +208,9 @@ int CSpiceGen::ReadConfigFile() {
       lists.pText = line.restOfLine;
       lists.pSeen = true;
     } else if (const ConfigKey* key = FindKey(line.key)) {
-      ApplyKey(*this, *key, line);
+      ApplyKey(config, *key, line);
     }
   }
-  SettleUnitSets(*this, lists);
-  return ReportConflicts(*this) ? 1 : 0;
+  SettleUnitSets(config, lists);
+  return ReportConflicts(config) ? 1 : 0;
 }

@@ -16,7 +16,7 @@ namespace {
 
 // One run of the flavour `Flavour`; returns the exit code.
 template <class Flavour>
-int RunFlavour(const CSpiceGen& options, const std::string& group) {
+int RunFlavour(const WireOptions& options, const std::string& group) {
   Flavour gen(options);
   auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
@@ -24,13 +24,13 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   project->ReleaseWalkState();
   if (gen.ReadConfigFile() != 0) return 1;
   gen.OpenCrossReference(group);
-  // The generator writes from the walked design itself: nothing reads the project after the
-  // run, and a copy would hold every component twice. The passes only reread the deck, so
-  // the design's memory goes back before they hold the deck's text.
   // The deck's file is opened here and handed to the generator, which writes it whole.
   const std::string path = gen.CircuitPathOf(*project);
   MakeDeckFolders(path);
   std::ofstream deck(FileSystemPath(path), std::ios::binary | std::ios::trunc);
+  // The generator writes from the walked design itself: nothing reads the project after the
+  // run, and a copy would hold every component twice. The passes only reread the deck, so
+  // the design's memory goes back before they hold the deck's text.
   gen.Run(*project, deck);
   deck.close();
   project.reset();
@@ -40,15 +40,17 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
 }
 
 int RunAll(int argc, const char* const* argv) {
-  CSpiceGen options;
+  // The command line and the ini file fill the options, and the options the dialect.
+  CSpiceGen parser;
   if (CSpiceGen::CheckHelp(argc, argv) == 1) return 0;
   const char* groupArgument = nullptr;
-  options.ParseArguments(&groupArgument, argc, argv);
+  parser.ParseArguments(&groupArgument, argc, argv);
   if (!groupArgument) {
     std::cout << "Database Required" << std::endl;
     return 0;
   }
   std::string group = groupArgument;
+  WireOptions options = parser.options;
   options.dialect = DialectOf(options);
   switch (options.dialect.flavour) {
     case DeckFlavour::kKelpo:

@@ -134,7 +134,9 @@ int CSpiceGen::CheckHelp(int argc, const char* const* argv) {
   return 0;
 }
 
-void CSpiceGen::AddLevel(std::string name) { levels->insert(levels->begin(), std::move(name)); }
+void CSpiceGen::AddLevel(std::string name) {
+  options.levels->insert(options.levels->begin(), std::move(name));
+}
 
 int CSpiceGen::FindOnSearchPath(const std::string& name, std::string& path) {
   if (name.find_first_of("*?") != std::string::npos) return 1;
@@ -150,7 +152,7 @@ int CSpiceGen::FindOnSearchPath(const std::string& name, std::string& path) {
 }
 
 void CSpiceGen::ParseArguments(const char** group, int argc, const char* const* argv) {
-  SetDefaults();
+  options.SetDefaults();
   std::string iniPath;
   if (FindOnSearchPath("vesk.ini", iniPath) == 0) {
     std::string text;
@@ -162,8 +164,8 @@ void CSpiceGen::ParseArguments(const char** group, int argc, const char* const* 
   }
   bool haveGroup = false;
   for (int i = 1; i < argc; ++i) {
-    optionsString += argv[i];
-    optionsString += ' ';
+    options.optionsString += argv[i];
+    options.optionsString += ' ';
     if (argv[i][0] == '-') {
       ParseSwitches(argv[i]);
     } else if (!haveGroup) {

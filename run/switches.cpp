@@ -15,23 +15,23 @@ struct Switch {
 };
 
 void SetPspice(CSpiceGen& gen, const std::string&) {
-  if (gen.dracula) {
+  if (gen.options.dracula) {
     std::cout << "Ignoring -p switch since wirelisting to Dracula III ... \n";
     return;
   }
-  gen.wirelistKind = kPspice;
+  gen.options.wirelistKind = kPspice;
 }
 
 void SetDracula(CSpiceGen& gen, const std::string&) {
-  gen.wirelistKind = kHspice;
-  gen.dracula = true;
-  gen.useNodeNames = true;
+  gen.options.wirelistKind = kHspice;
+  gen.options.dracula = true;
+  gen.options.useNodeNames = true;
 }
 
 void SetKelpo(CSpiceGen& gen, const std::string&) {
-  gen.wirelistKind = kKelpo;
-  gen.useNodeNames = true;
-  gen.circuitExtension = "cir";
+  gen.options.wirelistKind = kKelpo;
+  gen.options.useNodeNames = true;
+  gen.options.circuitExtension = "cir";
 }
 
 void AddLevelSwitch(CSpiceGen& gen, const std::string& value) {
@@ -42,46 +42,46 @@ using G = CSpiceGen;
 using S = const std::string;
 
 const Switch kSwitches[] = {
-    {'a', false, [](G& g, S&) { g.alien = true; }},
-    {'b', false, [](G& g, S&) { g.noParamWarning = true; }},
-    {'c', true, [](G& g, S& v) { g.maxNameChars = std::atoi(v.c_str()); }},
-    {'d', false, [](G& g, S&) { g.dictionary = true; }},
+    {'a', false, [](G& g, S&) { g.options.alien = true; }},
+    {'b', false, [](G& g, S&) { g.options.noParamWarning = true; }},
+    {'c', true, [](G& g, S& v) { g.options.maxNameChars = std::atoi(v.c_str()); }},
+    {'d', false, [](G& g, S&) { g.options.dictionary = true; }},
     {'e', false, SetDracula},
-    {'f', false, [](G& g, S&) { g.flatten = 1; }},
-    {'g', true, [](G& g, S& v) { g.headerFile = v; }},
+    {'f', false, [](G& g, S&) { g.options.flatten = 1; }},
+    {'g', true, [](G& g, S& v) { g.options.headerFile = v; }},
     {'h', false,
      [](G& g, S&) {
-       g.flatten = 0;
-       g.noParamWarning = true;
+       g.options.flatten = 0;
+       g.options.noParamWarning = true;
      }},
-    {'i', false, [](G& g, S&) { g.ignorePrints = true; }},
-    {'j', true, [](G& g, S& v) { g.rootPath = v; }},
-    {'k', true, [](G& g, S& v) { g.configFile = v; }},
+    {'i', false, [](G& g, S&) { g.options.ignorePrints = true; }},
+    {'j', true, [](G& g, S& v) { g.options.rootPath = v; }},
+    {'k', true, [](G& g, S& v) { g.options.configFile = v; }},
     {'l', true, AddLevelSwitch},
-    {'m', false, [](G& g, S&) { g.wirelistKind = kHspice; }},
-    {'n', false, [](G& g, S&) { g.useNodeNames = true; }},
-    {'o', true, [](G& g, S& v) { g.firstOrder = v; }},
+    {'m', false, [](G& g, S&) { g.options.wirelistKind = kHspice; }},
+    {'n', false, [](G& g, S&) { g.options.useNodeNames = true; }},
+    {'o', true, [](G& g, S& v) { g.options.firstOrder = v; }},
     {'p', false, SetPspice},
-    {'q', false, [](G& g, S&) { g.dictionary = false; }},
-    {'r', false, [](G& g, S&) { g.ratings = true; }},
-    {'s', false, [](G& g, S&) { g.wirelistKind = kBerkeley; }},
-    {'t', false, [](G& g, S&) { g.attWirelist = true; }},
-    {'v', false, [](G& g, S&) { g.verbose = true; }},
-    {'w', false, [](G& g, S&) { g.printWord = ".PRINT"; }},
-    {'x', false, [](G& g, S&) { g.crossReference = true; }},
-    {'y', true, [](G& g, S& v) { g.firstPrefix = v; }},
-    {'z', false, [](G& g, S&) { g.readModFiles = 0; }},
-    {'#', false, [](G& g, S&) { g.useNodeNames = true; }},
-    {'$', false, [](G& g, S&) { g.dereplicate = true; }},
-    {'%', true, [](G& g, S& v) { g.outputFolder = v; }},
-    {'+', false, [](G& g, S&) { g.noSort = true; }},
-    {'.', true, [](G& g, S& v) { g.circuitExtension = v; }},
-    {'!', true, [](G& g, S& v) { g.circuitFileName = v; }},
-    {'=', true, [](G& g, S& v) { g.loadAttribute = v; }},
-    {'@', true, [](G& g, S& v) { g.paramFile = v; }},
-    {'7', false, [](G& g, S&) { g.includeSources = 1; }},
-    {'8', false, [](G& g, S&) { g.probeAll = true; }},
-    {'9', false, [](G& g, S&) { g.analogDeps = true; }},
+    {'q', false, [](G& g, S&) { g.options.dictionary = false; }},
+    {'r', false, [](G& g, S&) { g.options.ratings = true; }},
+    {'s', false, [](G& g, S&) { g.options.wirelistKind = kBerkeley; }},
+    {'t', false, [](G& g, S&) { g.options.attWirelist = true; }},
+    {'v', false, [](G& g, S&) { g.options.verbose = true; }},
+    {'w', false, [](G& g, S&) { g.options.printWord = ".PRINT"; }},
+    {'x', false, [](G& g, S&) { g.options.crossReference = true; }},
+    {'y', true, [](G& g, S& v) { g.options.firstPrefix = v; }},
+    {'z', false, [](G& g, S&) { g.options.readModFiles = 0; }},
+    {'#', false, [](G& g, S&) { g.options.useNodeNames = true; }},
+    {'$', false, [](G& g, S&) { g.options.dereplicate = true; }},
+    {'%', true, [](G& g, S& v) { g.options.outputFolder = v; }},
+    {'+', false, [](G& g, S&) { g.options.noSort = true; }},
+    {'.', true, [](G& g, S& v) { g.options.circuitExtension = v; }},
+    {'!', true, [](G& g, S& v) { g.options.circuitFileName = v; }},
+    {'=', true, [](G& g, S& v) { g.options.loadAttribute = v; }},
+    {'@', true, [](G& g, S& v) { g.options.paramFile = v; }},
+    {'7', false, [](G& g, S&) { g.options.includeSources = 1; }},
+    {'8', false, [](G& g, S&) { g.options.probeAll = true; }},
+    {'9', false, [](G& g, S&) { g.options.analogDeps = true; }},
     {'_', false, SetKelpo},
 };
 
@@ -106,7 +106,7 @@ int CSpiceGen::ParseSwitches(const std::string& token) {
     }
     item->apply(*this, "");
     if (item->letter == '_' && pos + 1 < token.size() && token[pos + 1] == '_') {
-      hdlSpiceSources = 1;
+      options.hdlSpiceSources = 1;
       ++pos;
     }
   }

@@ -12,7 +12,7 @@ class AttributeValueTest : public ::testing::Test {
  protected:
   void SetUp() override {
     comp_.hasAttributes = true;
-    gen_.wirelistKind = kPspice;
+    gen_.options.wirelistKind = kPspice;
   }
   std::string Value(const std::string& param, const std::string& value) {
     return gen_.EvaluateAttributeValue(comp_, param, value);
@@ -48,7 +48,7 @@ TEST_F(AttributeValueTest, NumbersComeOutInEngineeringNotationWithTheUnitOfThePa
                                   {"R", "10", "10.000000"}};
   for (const auto& [param, value, expected] : cases)
     EXPECT_EQ(Value(param, value), expected) << param << value;
-  gen_.stripUnits = true;
+  gen_.config.stripUnits = true;
   EXPECT_EQ(Value("L", "10U"), "10.000000");
 }
 

@@ -41,7 +41,7 @@ class ConfigFileTest : public ::testing::Test {
   int Read(const std::string& text) { return Read(text, gen_); }
   int Read(const std::string& text, CSpiceGen& gen) {
     std::ofstream("my.cfg", std::ios::binary) << text;
-    gen.configFile = "my.cfg";
+    gen.options.configFile = "my.cfg";
     ::testing::internal::CaptureStdout();
     int result = gen.ReadConfigFile();
     printed_ = ::testing::internal::GetCapturedStdout();
@@ -59,40 +59,40 @@ TEST_F(ConfigFileTest, NextWordAndRestOfLineForms) {
                  "STRIP_COMS ;\nCONTINUE ++ x\nBREAKSTRING x\n"),
             0);
   EXPECT_EQ(printed_, "");
-  EXPECT_EQ(gen_.stripChars, "@");
-  EXPECT_EQ(gen_.commands, ".TRAN  .PARAM");
-  EXPECT_EQ(gen_.elements, "");
-  EXPECT_EQ(gen_.adName, "ad  x");
-  EXPECT_EQ(gen_.asName, "as");
-  EXPECT_EQ(gen_.nrdName, "nrd");
-  EXPECT_EQ(gen_.stripWords, "COMMENTS UNITS");
-  EXPECT_EQ(gen_.stripComs, ";");
-  EXPECT_EQ(gen_.continueString, "++");
-  EXPECT_EQ(gen_.breakString, "x ");
+  EXPECT_EQ(gen_.config.stripChars, "@");
+  EXPECT_EQ(gen_.config.commands, ".TRAN  .PARAM");
+  EXPECT_EQ(gen_.config.elements, "");
+  EXPECT_EQ(gen_.config.adName, "ad  x");
+  EXPECT_EQ(gen_.config.asName, "as");
+  EXPECT_EQ(gen_.config.nrdName, "nrd");
+  EXPECT_EQ(gen_.config.stripWords, "COMMENTS UNITS");
+  EXPECT_EQ(gen_.config.stripComs, ";");
+  EXPECT_EQ(gen_.config.continueString, "++");
+  EXPECT_EQ(gen_.config.breakString, "x ");
   EXPECT_EQ(Read("CALC_RES 3x\nCSDF\nLINELENGHT 80\nACCURACY abc\n"), 0);  // numbers are read by atoi
-  EXPECT_EQ(gen_.calcRes, 3);
-  EXPECT_EQ(gen_.csdf, 0);
-  EXPECT_EQ(gen_.lineLength, 80);
-  EXPECT_EQ(gen_.accuracy, 0);
+  EXPECT_EQ(gen_.config.calcRes, 3);
+  EXPECT_EQ(gen_.config.csdf, 0);
+  EXPECT_EQ(gen_.config.lineLength, 80);
+  EXPECT_EQ(gen_.config.accuracy, 0);
 }
 
 TEST_F(ConfigFileTest, KeysAreExactAndLaterLinesWin) {
   EXPECT_EQ(Read("elements R\nELEMENTS R C\n   ELEMENTS   M\n |ELEMENTS X\nADD ELEMENTS Q\nELEMENTSX Y\n"),
             0);
-  EXPECT_EQ(gen_.elements, "M");
+  EXPECT_EQ(gen_.config.elements, "M");
   EXPECT_EQ(Read("  COMMANDS  .OP\n"), 0);  // leading blanks keep the rest of the line behind the key
-  EXPECT_EQ(gen_.commands, " .OP");
+  EXPECT_EQ(gen_.config.commands, " .OP");
 }
 
 TEST_F(ConfigFileTest, NameFamilyPairsWithTheNextLine) {
   EXPECT_EQ(Read("GND_NAME GND\nx VSS AGND\nVDD_NAME VDD VCC\ny VDD1\nNAME A\n"), 0);
-  EXPECT_EQ(gen_.nameMap["VSS"], "GND");
-  EXPECT_EQ(gen_.nameMap["VDD1"], "VDD");
-  EXPECT_EQ(gen_.nameMap[""], "A");  // VCC had no partner, nor A
-  EXPECT_EQ(gen_.nameMap.size(), 3u);
+  EXPECT_EQ(gen_.config.nameMap["VSS"], "GND");
+  EXPECT_EQ(gen_.config.nameMap["VDD1"], "VDD");
+  EXPECT_EQ(gen_.config.nameMap[""], "A");  // VCC had no partner, nor A
+  EXPECT_EQ(gen_.config.nameMap.size(), 3u);
   EXPECT_EQ(Read("NAME N1\nELEMENTS N2\n"), 0);  // the second line is not read as a key
-  EXPECT_EQ(gen_.elements, "ALL");
-  EXPECT_EQ(gen_.nameMap["N2"], "N1");
+  EXPECT_EQ(gen_.config.elements, "ALL");
+  EXPECT_EQ(gen_.config.nameMap["N2"], "N1");
 }
 
 // A list given alone keeps the other default without the names it holds; a present empty list
@@ -111,8 +111,8 @@ TEST_F(ConfigFileTest, UnitNameSets) {
     CSpiceGen gen;
     EXPECT_EQ(Read(text, gen), 0) << text;
     EXPECT_EQ(printed_, "") << text;
-    EXPECT_EQ(gen.uParNames, u) << text;
-    EXPECT_EQ(gen.pParNames, p) << text;
+    EXPECT_EQ(gen.config.uParNames, u) << text;
+    EXPECT_EQ(gen.config.pParNames, p) << text;
   }
 }
 

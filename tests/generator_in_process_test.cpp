@@ -45,10 +45,11 @@ TEST(GeneratorInProcess, WritesTheDeckToTheStreamHandedIn) {
   ASSERT_TRUE(here.ok());
   ::setenv("SOURCE_DATE_EPOCH", "0", 1);
   ::setenv("GALT_HOME", "galt", 1);
-  CSpiceGen options;
+  CSpiceGen parser;
   const char* const argv[] = {"vesk", "TOP"};
   const char* group = nullptr;
-  options.ParseArguments(&group, 2, argv);
+  parser.ParseArguments(&group, 2, argv);
+  WireOptions options = parser.options;
   options.dialect = DialectOf(options);
   PspiceGen gen(options);
   SpiceProject project;
@@ -59,7 +60,7 @@ TEST(GeneratorInProcess, WritesTheDeckToTheStreamHandedIn) {
   gen.Run(project, deck);
   EXPECT_EQ(gen.circuitPath, "TOP.cir");
 
-  PostSettings settings{gen, gen, gen.internalNames, gen.currentInstance};
+  PostSettings settings{gen.options, gen.config, gen.internalNames, gen.currentInstance};
   EXPECT_EQ(MaskDate(PostProcessText(deck.str(), settings)), run.deck);
   EXPECT_NE(deck.str().find("\nR1 1 0 1000.000000\n"), std::string::npos) << deck.str();
 }

@@ -46,50 +46,50 @@ class OptionsTest : public ::testing::Test {
 TEST_F(OptionsTest, ValueSwitchesTakeTheRestOfTheirToken) {
   CSpiceGen options;
   EXPECT_EQ(Parse(options, {"-kconfig.cfg", "-gHead.inc", "-o", "-c", "d", "top", "sub"}), "d");
-  EXPECT_EQ(options.configFile, "config.cfg");
-  EXPECT_EQ(options.headerFile, "Head.inc");
-  EXPECT_EQ(options.firstOrder, "");
-  EXPECT_EQ(options.maxNameChars, 0);
-  EXPECT_EQ(*options.levels, (LevelList{"sub", "top"}));
+  EXPECT_EQ(options.options.configFile, "config.cfg");
+  EXPECT_EQ(options.options.headerFile, "Head.inc");
+  EXPECT_EQ(options.options.firstOrder, "");
+  EXPECT_EQ(options.options.maxNameChars, 0);
+  EXPECT_EQ(*options.options.levels, (LevelList{"sub", "top"}));
   CSpiceGen spaced;
   EXPECT_EQ(Parse(spaced, {"-k", "config.cfg"}), "config.cfg");
-  EXPECT_EQ(spaced.configFile, "");
+  EXPECT_EQ(spaced.options.configFile, "");
   CSpiceGen cluster;
   Parse(cluster, {"-nkfoo", "-c12x", "-!out", "-.net", "-%C:\\x", "-=", "-@p.txt", "-jTOP\\A", "-yQ", "-lABC",
                   "-lDEF"});
-  EXPECT_TRUE(cluster.useNodeNames);
-  EXPECT_EQ(cluster.configFile, "foo");
-  EXPECT_EQ(cluster.maxNameChars, 12);
-  EXPECT_EQ(cluster.circuitFileName, "out");
-  EXPECT_EQ(cluster.circuitExtension, "net");
-  EXPECT_EQ(cluster.outputFolder, "C:\\x");
-  EXPECT_EQ(cluster.loadAttribute, "");
-  EXPECT_EQ(cluster.paramFile, "p.txt");
-  EXPECT_EQ(cluster.rootPath, "TOP\\A");
-  EXPECT_EQ(cluster.firstPrefix, "Q");
-  EXPECT_EQ(*cluster.levels, (LevelList{"DEF", "ABC"}));
+  EXPECT_TRUE(cluster.options.useNodeNames);
+  EXPECT_EQ(cluster.options.configFile, "foo");
+  EXPECT_EQ(cluster.options.maxNameChars, 12);
+  EXPECT_EQ(cluster.options.circuitFileName, "out");
+  EXPECT_EQ(cluster.options.circuitExtension, "net");
+  EXPECT_EQ(cluster.options.outputFolder, "C:\\x");
+  EXPECT_EQ(cluster.options.loadAttribute, "");
+  EXPECT_EQ(cluster.options.paramFile, "p.txt");
+  EXPECT_EQ(cluster.options.rootPath, "TOP\\A");
+  EXPECT_EQ(cluster.options.firstPrefix, "Q");
+  EXPECT_EQ(*cluster.options.levels, (LevelList{"DEF", "ABC"}));
 }
 
 // Flag letters that no deck test passes, in a cluster and in capitals.
 TEST_F(OptionsTest, FlagsNoDeckShows) {
   CSpiceGen options;
   Parse(options, {"-tB", "-$", "-+", "-8"});
-  EXPECT_TRUE(options.attWirelist && options.noParamWarning && options.dereplicate && options.noSort &&
-              options.probeAll);
+  EXPECT_TRUE(options.options.attWirelist && options.options.noParamWarning && options.options.dereplicate &&
+              options.options.noSort && options.options.probeAll);
 }
 
 TEST_F(OptionsTest, IniFileCorners) {
   std::ofstream("vesk.ini", std::ios::binary) << "n design";  // tokens are switches even without a dash
   CSpiceGen options;
   EXPECT_EQ(Parse(options, {}), "");
-  EXPECT_TRUE(options.useNodeNames);
+  EXPECT_TRUE(options.options.useNodeNames);
   if (::geteuid() != 0) {  // root reads every file
     fs::permissions("vesk.ini", fs::perms::none);
     CSpiceGen unreadable;
     ::testing::internal::CaptureStderr();
     Parse(unreadable, {"d"});
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Could not open ini file!\n");
-    EXPECT_FALSE(unreadable.useNodeNames);
+    EXPECT_FALSE(unreadable.options.useNodeNames);
   }
   fs::remove("vesk.ini");
   fs::create_directories("vesk.ini");  // a folder named like the ini file does not count

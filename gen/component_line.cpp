@@ -40,7 +40,7 @@ size_t TokenEnd(const std::string& text, size_t i) {
 // Interprets one ORDER template into the generator's lineBody.
 class OrderExpander {
  public:
-  OrderExpander(CSpiceGen& gen, SpiceComp& comp) : gen_(gen), comp_(comp), body_(gen.lineBody) {}
+  OrderExpander(CSpiceGen& gen, SpiceComp& comp) : gen_(gen), comp_(comp), body_(gen.walk.lineBody) {}
 
   void Interpret(const std::string& order) {
     size_t i = 0;
@@ -88,7 +88,7 @@ class OrderExpander {
     body_ += token;
     body_ += ' ';
     std::string value = gen_.EvaluateAttributeValue(comp_, token, attribute);
-    if (!gen_.modelRegistered && token == "MODEL") Register(value);
+    if (!gen_.walk.modelRegistered && token == "MODEL") Register(value);
     body_ += value;
     body_ += ' ';
   }
@@ -108,7 +108,7 @@ class OrderExpander {
       body_ += value;
       body_ += ' ';
     }
-    if (!gen_.modelRegistered && upperName == "MODEL") Register(value);
+    if (!gen_.walk.modelRegistered && upperName == "MODEL") Register(value);
   }
 
   void AppendDistribution() {
@@ -152,11 +152,11 @@ class OrderExpander {
     body_ += cleaned;
     body_ += value;
     body_ += ' ';
-    if (!gen_.modelRegistered && upperName == "MODEL") Register(value);
+    if (!gen_.walk.modelRegistered && upperName == "MODEL") Register(value);
   }
 
   void Register(const std::string& model) {
-    gen_.modelRegistered = true;
+    gen_.walk.modelRegistered = true;
     gen_.RegisterModel(model, comp_);
   }
 
@@ -176,16 +176,16 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
     out << note;
     return;
   }
-  voltageProbeHere = false;
-  generatorHere = false;
+  walk.voltageProbeHere = false;
+  walk.generatorHere = false;
   CheckSpecialComponent(comp);
-  if (voltageProbeHere) {
+  if (walk.voltageProbeHere) {
     out << "* voltage probe on node : ";
     WritePins(comp, false);
     out << "\n";
     return;
   }
-  if (generatorHere) return;
+  if (walk.generatorHere) return;
 
   out << comp.RefName();
   // An absent entry reads as empty, so a component without an internal name (every one of
@@ -201,12 +201,12 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
     char first = comp.RefName().empty() ? '\0' : comp.RefName()[0];
     if ((first == 'X' || first == 'x') && namesCalled) out << ' ' << ModelPart(comp.Name());
     ExpandOrder(comp);
-    out << ' ' << lineBody;
+    out << ' ' << walk.lineBody;
   } else {
     if (namesCalled) out << ' ' << comp.ChildBlockName();
     if (options.dialect.instanceParameters || !comp.Attributes().Get("COMPOSITE_ORDER").empty()) {
       ExpandOrder(comp);
-      out << ' ' << lineBody;
+      out << ' ' << walk.lineBody;
     }
   }
   out << "\n";
@@ -214,9 +214,9 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
 }
 
 void CSpiceGen::CheckSpecialComponent(SpiceComp& comp) {
-  if (!comp.Attributes().Get("PROBE").empty() && CollectProbe(comp) == 0) voltageProbeHere = true;
+  if (!comp.Attributes().Get("PROBE").empty() && CollectProbe(comp) == 0) walk.voltageProbeHere = true;
   if (!comp.Attributes().Get("GENERATOR").empty()) {
-    generatorHere = true;
+    walk.generatorHere = true;
     CollectGenerator(comp);
   }
 }
@@ -227,13 +227,13 @@ void CSpiceGen::ExpandOrder(SpiceComp& comp) {
     order = comp.Attribute(options.firstOrder);
   if (order.empty()) order = comp.Attributes().Get("ORDER");
   if (order.empty()) order = "Model$";
-  lineBody.clear();
-  modelRegistered = false;
+  walk.lineBody.clear();
+  walk.modelRegistered = false;
   OrderExpander(*this, comp).Interpret(NormalizeOrderTemplate(order));
-  TrimInPlace(lineBody);
-  if (!lineBody.empty() || options.alien || comp.Kind() == kInstance) return;
-  DefaultFromBare(lineBody, comp);
-  if (lineBody.empty()) DefaultByPrefix(lineBody, comp);
+  TrimInPlace(walk.lineBody);
+  if (!walk.lineBody.empty() || options.alien || comp.Kind() == kInstance) return;
+  DefaultFromBare(walk.lineBody, comp);
+  if (walk.lineBody.empty()) DefaultByPrefix(walk.lineBody, comp);
 }
 
 void CSpiceGen::DefaultFromBare(std::string& body, SpiceComp& comp) {

@@ -101,19 +101,19 @@ void CSpiceGen::CollectCurrentProbe(SpiceComp& comp, const std::string& value) {
 void CSpiceGen::CollectGenerator(SpiceComp& comp) {
   if (!comp.HasAttributes()) return;
   const std::string key = comp.Attribute("GENERATOR");
-  if (!key.empty()) generatorComps[key] = comp;
+  if (!key.empty()) walk.generatorComps[key] = comp;
 }
 
-void CSpiceGen::AddFlatProbe(const std::string& expression) { flatProbes.emplace(expression, false); }
+void CSpiceGen::AddFlatProbe(const std::string& expression) { walk.flatProbes.emplace(expression, false); }
 
 void CSpiceGen::WriteGeneratorStatements() {
   if (options.dialect.hdlSources) return;
-  for (auto& [key, comp] : generatorComps) {
-    if (key == ".NOISE" && !generatorComps.count(".AC")) {
+  for (auto& [key, comp] : walk.generatorComps) {
+    if (key == ".NOISE" && !walk.generatorComps.count(".AC")) {
       std::cout << "Error: Noise generator (.NOISE) requires Bode Plot";
       continue;
     }
-    if (key == ".FOUR" && !generatorComps.count(".TRAN")) {
+    if (key == ".FOUR" && !walk.generatorComps.count(".TRAN")) {
       std::cout << "Error :Fourier analysis requires oscilloscope ";
       continue;
     }
@@ -124,22 +124,22 @@ void CSpiceGen::WriteGeneratorStatements() {
         if (pin.net.IsConnected()) out << " " << ProbeExpression(options, "V", NodeName(pin.net.Name()));
     }
     ExpandOrder(comp);
-    out << " " << lineBody << "\n";
+    out << " " << walk.lineBody << "\n";
     if (key == ".NOISE" && !options.ignorePrints) out << ".PRINT NOISE ONOISE INOISE DB(ONOISE) DB(INOSIE)\n";
     if (key == ".AC" || key == ".DC" || key == ".TRAN") NoteAnalysis(key);
   }
 }
 
-void CSpiceGen::NoteAnalysis(const std::string& key) { analysisKeywords.Add(key); }
+void CSpiceGen::NoteAnalysis(const std::string& key) { walk.analysisKeywords.Add(key); }
 
 void CSpiceGen::WriteFlatProbes() {
   if (options.dialect.hdlSources || options.ignorePrints) return;
-  analysisKeywords.ForEachNewestFirst([&](std::string_view view) {
+  walk.analysisKeywords.ForEachNewestFirst([&](std::string_view view) {
     const std::string keyword(view);
     if (options.dialect.csdfProbeLine) out << ".PROBE/CSDF\n";
-    if (flatProbes.empty() && options.probeAll) AddAllNodeProbes(nodes);
+    if (walk.flatProbes.empty() && options.probeAll) AddAllNodeProbes(walk.nodes);
     if (options.attWirelist) return;
-    for (const auto& entry : flatProbes) out << FlatStatement(*this, keyword, entry.first);
+    for (const auto& entry : walk.flatProbes) out << FlatStatement(*this, keyword, entry.first);
   });
 }
 

@@ -76,15 +76,15 @@ void CSpiceGen::RunFrame(SpiceProject& project, const DeckFrame& frame, std::ost
 
 void CSpiceGen::BeginBlock(SpiceBlock& block) {
   // Each block is written once: its table moves here instead of being copied.
-  nodes = std::move(block.NodeMap());
+  walk.nodes = std::move(block.NodeMap());
   block.NodeMap().clear();
   for (const auto& [key, value] : config.nameMap) {
-    std::string node = nodes[value];
-    nodes[key] = node;
+    std::string node = walk.nodes[value];
+    walk.nodes[key] = node;
   }
-  flatProbes = block.Probes();
-  generatorComps.clear();
-  analysisKeywords.Clear();
+  walk.flatProbes = block.Probes();
+  walk.generatorComps.clear();
+  walk.analysisKeywords.Clear();
   options.nextNodeNumber = block.nextNode;
   options.inventedNodes = 0;
 }

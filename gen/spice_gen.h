@@ -20,6 +20,7 @@
 #include "design/spice_comp.h"
 #include "design/spice_project.h"
 #include "design/wire_options.h"
+#include "gen/block_walk.h"
 #include "gen/deck_stream.h"
 #include "post/newest_first_list.h"
 #include "post/probe_scope.h"
@@ -87,7 +88,7 @@ class CSpiceGen {
 
   // ---- gen/node_writer.cpp: nodes through this generator's table ----
   std::string NodeName(const std::string& name, NodeTable& table) { return ::NodeName(options, name, table); }
-  std::string NodeName(const std::string& name) { return ::NodeName(options, name, nodes); }
+  std::string NodeName(const std::string& name) { return ::NodeName(options, name, walk.nodes); }
 
   // ---- gen/pins.cpp ----
   void WritePins(const SpiceComp& comp, bool group);
@@ -134,31 +135,26 @@ class CSpiceGen {
   /// The configuration file's dialect rules (run/config_file.cpp).
   SpiceConfig config;
 
+  /// The block being written and its component in hand; BeginBlock starts it over.
+  BlockWalk walk;
+
   // ---- run state ----
-  NodeTable nodes;
   std::string dictionaryLine_;  // reused by WritePinNode for each dictionary line
   DeckStream out;
   std::vector<std::string> notes;
   NewestFirstList dictionaryLines;
   ProbePassState probePass;
-  NewestFirstList analysisKeywords;
   std::vector<std::string> usedModels;
   std::unordered_set<std::string> usedModelsLower;  // index of usedModels, lower case
   std::unordered_map<std::string, std::string> internalNames;
   std::string currentInstance;
   std::string circuitPath;
   std::string databaseName;
-  std::string lineBody;
   std::ofstream xrefOut;
-  std::map<std::string, bool> flatProbes;
-  std::map<std::string, SpiceComp> generatorComps;
   std::map<std::string, std::string> modelFiles;
   std::map<std::string, std::string> netUidMap;
   int32_t uniqueCounter = 0;
-  bool modelRegistered = false;
   bool groundSeen = false;
-  bool voltageProbeHere = false;
-  bool generatorHere = false;
 };
 
 /// Makes the two folder levels in front of the deck at `circuitPath`, outer one first.

@@ -6,7 +6,6 @@
 #include <iostream>
 #include <unordered_map>
 
-#include "design/probe_text.h"
 #include "expr/text.h"
 
 namespace {
@@ -235,7 +234,7 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   if (tables) tables->netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
 
   const std::string& probe = attribute("PROBE");
-  if (!probe.empty()) probes.emplace(ProbeExpression(options, probe, NodeName(options, n, nodeMap)), false);
+  if (!probe.empty()) probes.push_back(NetProbe{probe, NodeName(options, n, nodeMap)});
   auto keepFirst = [&n](std::map<std::string, std::string>& table, const std::string& value) {
     if (value.empty()) return;
     std::string& slot = table[n];

@@ -20,6 +20,12 @@ struct WalkTables {
   std::unordered_map<std::string, std::string> netDictionary;
 };
 
+/// A probe on a net (its PROBE attribute): the kind ("V", "DB", ...) and the net's node.
+struct NetProbe {
+  std::string kind;
+  std::string node;
+};
+
 class SpiceBlock {
  public:
   SpiceBlock() = default;
@@ -40,7 +46,7 @@ class SpiceBlock {
   std::vector<SpiceNet>& Ports() { return ports; }
   const std::vector<SpiceNet>& Ports() const { return ports; }
   NodeTable& NodeMap() { return nodeMap; }
-  std::map<std::string, bool>& Probes() { return probes; }
+  const std::vector<NetProbe>& Probes() const { return probes; }
   std::map<std::string, std::string>& Nodesets() { return nodesets; }
   std::map<std::string, std::string>& InitialConditions() { return initialConditions; }
   std::map<std::string, std::string>& Guesses() { return guesses; }
@@ -50,7 +56,7 @@ class SpiceBlock {
   std::vector<SpiceComp> comps;
   Tessel::ContainerT<const Tessel::IBlock> block;
   NodeTable nodeMap;
-  std::map<std::string, bool> probes;
+  std::vector<NetProbe> probes;
   std::map<std::string, std::string> nodesets;
   std::map<std::string, std::string> initialConditions;
   std::map<std::string, std::string> guesses;

@@ -59,6 +59,13 @@ inline std::string_view TrimRight(std::string_view text) {
   return text.substr(0, text.find_last_not_of(kWhiteSpace) + 1);
 }
 
+/// True when every character is a digit; the empty text counts as true.
+inline bool IsAllDigits(std::string_view text) {
+  for (char c : text)
+    if (!std::isdigit(static_cast<unsigned char>(c))) return false;
+  return true;
+}
+
 /// The text behind the first "=", or the whole text when it holds none.
 inline std::string TextBehindEquals(const std::string& text) {
   size_t equals = text.find('=');

@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
-#include "design/probe_text.h"
 #include "expr/text.h"
+#include "gen/probe_text.h"
 #include "gen/spice_gen.h"
 
 namespace {

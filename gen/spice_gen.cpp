@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "design/platform.h"
+#include "gen/probe_text.h"
 
 void CSpiceGen::CopyOptionsFrom(const WireOptions& from) {
   std::string ownRootPath = options.rootPath;
@@ -82,7 +83,10 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
     std::string node = walk.nodes[value];
     walk.nodes[key] = node;
   }
-  walk.flatProbes = block.Probes();
+  // The deck's probe text of the block's probed nets; one entry for each text.
+  walk.flatProbes.clear();
+  for (const NetProbe& probe : block.Probes())
+    walk.flatProbes.emplace(ProbeExpression(options, probe.kind, probe.node), false);
   walk.generatorComps.clear();
   walk.analysisKeywords.Clear();
   options.nextNodeNumber = block.nextNode;

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "design/probe_text.h"
+#include "expr/text.h"
 
 PrintSettings PrintSettingsOf(const WireOptions& options) {
   PrintSettings settings;

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "design/probe_text.h"
 #include "gen/dialect_of.h"
+#include "gen/probe_text.h"
 
 namespace {
 

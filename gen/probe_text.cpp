@@ -1,13 +1,7 @@
 // Probe expressions: "V(node)", "VDB([OUT])", "V([A],B)".
-#include "design/probe_text.h"
+#include "gen/probe_text.h"
 
-#include <cctype>
-
-bool IsAllDigits(const std::string& text) {
-  for (char c : text)
-    if (!std::isdigit(static_cast<unsigned char>(c))) return false;
-  return true;
-}
+#include "expr/text.h"
 
 std::string ProbeExpression(const WireOptions& options, const std::string& kind, const std::string& node) {
   std::string shown = node;

@@ -5,9 +5,6 @@
 
 #include "design/wire_options.h"
 
-/// True when every character is a digit; the empty text counts as true.
-bool IsAllDigits(const std::string& text);
-
 /// "V(node)", "VDB(node)", ...; Pspice brackets named nodes: "V([OUT])".
 std::string ProbeExpression(const WireOptions& options, const std::string& kind, const std::string& node);
 

@@ -1,7 +1,4 @@
-// Node texts for nets and legal, unique instance names.
-//
-// Every part of the program that names a node goes through NodeName, so that a net gets
-// one node text wherever it appears.
+// The node tables of a block and the names of nets in a flat design.
 #pragma once
 
 #include <string>
@@ -16,19 +13,6 @@ using NodeTable = std::unordered_map<std::string, std::string>;
 
 /// Key of a hierarchical instance occurrence to its pin list "pin,node;pin,node;".
 using PinNodeTable = std::unordered_map<std::string, std::string>;
-
-/// The one node text of `name` in `table`: invented for an empty name, "0" for GND...,
-/// else the table's entry, else a new number (options.nextNodeNumber) or legal name.
-std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table);
-
-/// Filters `name` to the characters the chosen simulator accepts, cut to maxNameChars.
-std::string LegalizeName(const WireOptions& options, const std::string& name);
-
-/// Returns `name`, or its first character with a counter behind it when the name is
-/// taken in options.usedNames; records the result.
-std::string UniqueName(WireOptions& options, std::string name);
-/// The same on a list of used names directly (a const options record shares its list).
-std::string UniqueName(UsedNames& used, std::string name);
 
 /// The pin-node table key of a hierarchical instance occurrence: its Index numbers and
 /// the hierarchical name of its own path.

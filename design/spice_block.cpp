@@ -178,7 +178,7 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
     SpiceComp comp;
     comp.uidManager = uidManager;
-    comp.Load(compIter, options, instancePath, netAliases, modelMapper);
+    comp.Load(compIter, options, instancePath, netAliases, modelMapper, *naming);
     comps.push_back(std::move(comp));
   }
 }
@@ -189,15 +189,15 @@ void SpiceBlock::ScanPorts() {
   for (; it->IsValid(); it++) {
     SpiceNet port(it, netAliases);
     if (port.IsConnected()) {
-      for (const SpiceNet& member : port.Members()) NodeName(options, member.name, nodeMap);
+      for (const SpiceNet& member : port.Members()) naming->NodeName(options, member.name, nodeMap);
     } else if (!port.Signal().empty()) {
-      NodeName(options, port.Signal(), nodeMap);
+      naming->NodeName(options, port.Signal(), nodeMap);
     } else {
       // An open port gets a node of its own, under the names 1, 3, 5, ...
       ++nextNode;
       std::string own = std::to_string(nextNode);
       ++nextNode;
-      NodeName(options, own, nodeMap);
+      naming->NodeName(options, own, nodeMap);
     }
   }
 }
@@ -226,15 +226,12 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   const std::string& node = attribute("NODE");
   if (lb.compare(0, 3, "GND") == 0) nodeMap[lb] = "0";
   if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
-    nodeMap[n] = LegalizeName(options, node);
-  if (options.dialect.namesNetsAtLoad) {
-    if (options.dialect.globalNetMark && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
-    if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
-  }
+    nodeMap[n] = naming->LegalName(options, node);
+  n = naming->EnterNet(options, n, net.isGlobal, nodeMap);
   if (tables) tables->netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
 
   const std::string& probe = attribute("PROBE");
-  if (!probe.empty()) probes.push_back(NetProbe{probe, NodeName(options, n, nodeMap)});
+  if (!probe.empty()) probes.push_back(NetProbe{probe, naming->NodeName(options, n, nodeMap)});
   auto keepFirst = [&n](std::map<std::string, std::string>& table, const std::string& value) {
     if (value.empty()) return;
     std::string& slot = table[n];
@@ -276,6 +273,6 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 
 void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
   SpiceComp flat;
-  flat.LoadFlat(comp, options, *pinNodes, &gatheredAttributes);
+  flat.LoadFlat(comp, options, *naming, *pinNodes, &gatheredAttributes);
   comps.push_back(std::move(flat));
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "design/deck_naming.h"
 #include "design/node_names.h"
 #include "design/spice_comp.h"
 #include "design/spice_net.h"
@@ -66,9 +67,10 @@ class SpiceBlock {
   WireOptions options;
   std::string instancePath;
   Tessel::IUIDManager* uidManager = nullptr;
-  WalkTables* tables = nullptr;       // the project's, filled while the nets are scanned
-  ModelMapper modelMapper = nullptr;  // handed to each component's load
-  NetAliasTable netAliases;           // the shunt aliases of this block
+  WalkTables* tables = nullptr;        // the project's, filled while the nets are scanned
+  ModelMapper modelMapper = nullptr;   // handed to each component's load
+  const DeckNaming* naming = nullptr;  // the deck's names of nodes and components
+  NetAliasTable netAliases;            // the shunt aliases of this block
   std::shared_ptr<PinNodeTable> pinNodes = std::make_shared<PinNodeTable>();
   GatheredAttributesCache gatheredAttributes;  // by attribute lists, for the flat walk
   Tessel::IteratorT<const Tessel::IComp> compIter;

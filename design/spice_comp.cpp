@@ -241,54 +241,8 @@ void SpiceComp::DecideKind(const Tessel::IComp& comp, const WireOptions& options
   kind = (type & Tessel::eCompPrimitive) ? kPrimitive : kOtherComp;
 }
 
-namespace {
-
-// The prefix of the deck name, by -y, PREFIX and the kind; false when the component gets
-// no name at all (a stopped instance without a prefix).
-bool ChoosePrefix(const SpiceComp& comp, const WireOptions& options, std::string& prefix) {
-  prefix = comp.attrs.Get("PREFIX");
-  std::string alternative =
-      options.firstPrefix.empty() ? prefix : comp.attrs.Get(UpperText(options.firstPrefix));
-  if ((comp.kind == kPrimitive || comp.kind == kStoppedInstance) && !alternative.empty()) {
-    prefix = alternative;
-    return true;
-  }
-  if (!prefix.empty() && prefix != " ") return true;
-  if (options.dialect.hdlModels && comp.IsHdlModel()) {
-    prefix = "Y";
-    return true;
-  }
-  if (comp.kind == kInstance) {
-    prefix = "X";
-    return true;
-  }
-  return comp.kind != kStoppedInstance;
-}
-
-}  // namespace
-
-void SpiceComp::FormDeckName(const WireOptions& options) {
-  std::string prefix;
-  if (!ChoosePrefix(*this, options, prefix)) {
-    refName.clear();
-    return;
-  }
-  std::string designator = attrs.Get("REF DESIGNATOR");
-  if (designator.empty()) designator = attrs.Get("REFDES");
-
-  std::string text = label;
-  // An automatic label gives way to a designator, unless that is a mere "U?".
-  size_t question = designator.find('?');
-  if (label.find('$') != std::string::npos && !designator.empty() && designator != " " &&
-      question != designator.size() - 1)
-    text = designator;
-  std::string lowerPrefix = LowerText(prefix);
-  if (LowerText(label).compare(0, lowerPrefix.size(), lowerPrefix) != 0)
-    text = options.flatten ? prefix + "\\" + text : prefix + text;
-  text.erase(std::remove(text.begin(), text.end(), '$'), text.end());
-  if (options.flatten && !hierName.empty())
-    text = text.substr(0, 1) + "\\" + hierName + "\\" + text.substr(std::min<size_t>(1, text.size()));
-  refName = UniqueName(*options.usedNames, LegalizeName(options, text));
+void SpiceComp::FormDeckName(const WireOptions& options, const DeckNaming& naming) {
+  refName = naming.DeckName(*this, options);
 }
 
 // ---- pins ----
@@ -399,7 +353,8 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 // ---- the two loads ----
 
 void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
-                     const std::string& blockPath, const NetAliasTable& aliases, ModelMapper mapper) {
+                     const std::string& blockPath, const NetAliasTable& aliases, ModelMapper mapper,
+                     const DeckNaming& naming) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -424,11 +379,12 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
   if (options.dialect.hdlModels && mapper) mapper(*this);
   LoadPins(comp, aliases);
   DecideKind(comp, options);
-  FormDeckName(options);
+  FormDeckName(options, naming);
 }
 
 void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
-                         const PinNodeTable& pinNodes, GatheredAttributesCache* gathered) {
+                         const DeckNaming& naming, const PinNodeTable& pinNodes,
+                         GatheredAttributesCache* gathered) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -442,5 +398,5 @@ void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter,
   GatherAttributesOnce(comp, gathered);
   LoadPinsFlat(comp, pinNodes, scope);
   DecideKind(comp, options);
-  FormDeckName(options);
+  FormDeckName(options, naming);
 }

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "design/deck_naming.h"
 #include "design/model_data.h"
 #include "design/node_names.h"
 #include "design/spice_net.h"
@@ -106,11 +107,13 @@ class SpiceComp {
   /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
   /// `aliases` are the shunt aliases of the block; `mapper` (may be null) maps HDL models.
   void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
-            const std::string& instancePath, const NetAliasTable& aliases, ModelMapper mapper);
+            const std::string& instancePath, const NetAliasTable& aliases, ModelMapper mapper,
+            const DeckNaming& naming);
   /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
   /// `gathered` (may be null) keeps the attributes of each list already read.
   void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
-                const PinNodeTable& pinNodes, GatheredAttributesCache* gathered = nullptr);
+                const DeckNaming& naming, const PinNodeTable& pinNodes,
+                GatheredAttributesCache* gathered = nullptr);
 
   /// The value under the upper-cased key, or an empty string.
   std::string Attribute(const std::string& key) const;
@@ -164,7 +167,8 @@ class SpiceComp {
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes);
   void LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinNodes, const FlatScope& scope);
   void DecideKind(const Tessel::IComp& comp, const WireOptions& options);
-  void FormDeckName(const WireOptions& options);
+  /// The deck name (refName) by the deck's naming rules.
+  void FormDeckName(const WireOptions& options, const DeckNaming& naming);
   void AddPin(std::string key, SpiceNet net);
   void ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets,
                     const NetAliasTable& aliases);

@@ -141,6 +141,7 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   rootBlock.uidManager = uidManager;
   rootBlock.tables = &tables;
   rootBlock.modelMapper = modelMapper;
+  rootBlock.naming = naming;
   rootBlock.Load(block, rootOccurrence, options, "", byPath);
   options.inventedNodes = rootBlock.options.inventedNodes;
   return rootBlock;
@@ -173,6 +174,7 @@ void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& i
     definition.uidManager = uidManager;
     definition.tables = &tables;
     definition.modelMapper = modelMapper;
+    definition.naming = naming;
     Tessel::ContainerT<const Tessel::IPath> noPath;
     definition.Load(child, noPath, options, currentInstancePath, false);
     // The count of invented nodes runs on over the blocks of the walk.

@@ -50,6 +50,8 @@ class SpiceProject {
   WalkTables tables;
   /// Maps the HDL models of components while they load (Kelpo); set by run/.
   ModelMapper modelMapper = nullptr;
+  /// The deck's names of nodes and components (gen/); set by run/.
+  const DeckNaming* naming = nullptr;
 
  private:
   void VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance, const std::string& name);

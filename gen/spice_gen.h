@@ -22,6 +22,7 @@
 #include "design/wire_options.h"
 #include "gen/block_walk.h"
 #include "gen/deck_stream.h"
+#include "gen/node_text.h"
 #include "post/newest_first_list.h"
 #include "post/probe_scope.h"
 #include "post/spice_config.h"

@@ -1,6 +1,7 @@
 // LoadProject: opens the design database, finds the root block and walks the design.
 #include <exception>
 
+#include "gen/deck_naming.h"
 #include "gen/spice_gen.h"
 #include "model/model_mapping.h"
 
@@ -9,6 +10,7 @@ bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOption
     if (!project.Open(databaseName)) return false;
     project.SetOptions(options);
     project.modelMapper = &MapComponentModel;
+    project.naming = &SpiceDeckNaming();
     Tessel::ContainerT<const Tessel::IBlock> block;
     project.FindRoot(group, block, options.rootPath);
     if (!block.IsValid()) return false;

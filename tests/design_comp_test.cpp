@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "design/spice_comp.h"
+#include "gen/deck_naming.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ TEST(DeckName, PrefixesAndDesignators) {
     comp.kind = c.kind;
     comp.label = c.label;
     for (const auto& [key, value] : c.attributes) comp.attrs.Set(key, value);
-    comp.FormDeckName(options);
+    comp.FormDeckName(options, SpiceDeckNaming());
     EXPECT_EQ(comp.RefName(), c.name) << c.label;
   }
 }

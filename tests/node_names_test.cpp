@@ -1,10 +1,9 @@
 // Legal names for each simulator where the deck name tests do not reach, invented nodes that
 // skip texts in use, and probe texts.
-#include "design/node_names.h"
-
 #include <gtest/gtest.h>
 
 #include "gen/dialect_of.h"
+#include "gen/node_text.h"
 #include "gen/probe_text.h"
 
 namespace {

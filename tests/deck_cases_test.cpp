@@ -76,7 +76,8 @@ std::vector<DeckCase> FindCases() {
     if (!subject.is_directory()) continue;
     for (const auto& folder : fs::directory_iterator(subject.path()))
       if (folder.is_directory())
-        cases.push_back({subject.path().filename().string(), folder.path().filename().string(), folder.path()});
+        cases.push_back(
+            {subject.path().filename().string(), folder.path().filename().string(), folder.path()});
   }
   std::sort(cases.begin(), cases.end(),
             [](const DeckCase& a, const DeckCase& b) { return a.folder < b.folder; });

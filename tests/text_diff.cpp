@@ -40,7 +40,8 @@ std::vector<Edit> Edits(const std::vector<std::string>& want, const std::vector<
   std::vector<std::vector<size_t>> common(n + 1, std::vector<size_t>(m + 1, 0));
   for (size_t i = n; i-- > 0;)
     for (size_t j = m; j-- > 0;)
-      common[i][j] = want[i] == got[j] ? common[i + 1][j + 1] + 1 : std::max(common[i + 1][j], common[i][j + 1]);
+      common[i][j] =
+          want[i] == got[j] ? common[i + 1][j + 1] + 1 : std::max(common[i + 1][j], common[i][j + 1]);
   std::vector<Edit> edits;
   size_t i = 0, j = 0;
   while (i < n || j < m) {
@@ -79,7 +80,8 @@ std::string UnifiedDiff(const std::string& want, const std::string& got) {
         end = next;
       }
     end = std::min(edits.size(), end + context + 1);
-    out += "@@ -" + std::to_string(edits[begin].wantLine) + " +" + std::to_string(edits[begin].gotLine) + " @@\n";
+    out += "@@ -" + std::to_string(edits[begin].wantLine) + " +" + std::to_string(edits[begin].gotLine) +
+           " @@\n";
     for (size_t k = begin; k < end; ++k) out += edits[k].mark + Shown(edits[k].line);
     at = end;
   }

@@ -52,13 +52,14 @@ const char kModelLines[] =
 TEST(DeckIncludes, ModelFilesAndTheFilesTheyCallAreIncludedInPathOrder) {
   VeskRun run = RunVesk(ModelsDesign(), "TOP", ModelFiles());
   ASSERT_EQ(run.rc, 0) << run.output;
-  // One include a file, spelled as the model was first used; a missing file is a warning
-  // without a line end, which the next line's own line end closes.
+  // One include a file, named from the deck's folder as the file is spelled on disk; a missing
+  // file is a warning (in its classic text) without a line end, which the next line's own line
+  // end closes.
   EXPECT_EQ(run.deck, Head("TOP") + kModelLines +
                           "* OUT = 1\n\n*Warning: Could not open data file sym\\DMISSING.mod\n"
-                          ".include \"..\\..\\sym\\Dx.mod\"\n\n.include \"..\\..\\sym\\Q2N.mod\"\n\n"
+                          ".include \"sym/DX.mod\"\n\n.include \"sym/Q2N.mod\"\n\n"
                           "*Warning: Could not open data file sym\\leaf.mod\n"
-                          ".include \"..\\..\\sym\\opamp.mod\"\n\n.include \"..\\..\\sym\\stage1.mod\"\n"
+                          ".include \"sym/opamp.mod\"\n\n.include \"sym/stage1.mod\"\n"
                           "\n*.END\n");
   EXPECT_EQ(run.output,
             "\n*Warning: Could not open data file sym\\DMISSING.mod"
@@ -139,8 +140,8 @@ TEST(DeckIncludes, HierarchicalDeckIncludesTheModelsOfAllBlocksAtItsEnd) {
                           "*Definition For Project AMP\n.SUBCKT AMP 1 2\nD1 1 2 DX\nD2 1 2 DIODE\n"
                           "*Warning: No Model For D2.Defaulting to DIODE\n* CROSS-REFERENCE 2\n* B=2\n"
                           "* A=1\n.ENDS\n\nX1 1 0 AMP\nQ1 2 1 0 QX\n* Dictionary 3\n* OUT=2\n* GND=0\n"
-                          "* IN=1\n.include \"..\\..\\sym\\DIODE.mod\"\n"
-                          ".include \"..\\..\\sym\\DX.mod\"\n"
+                          "* IN=1\n.include \"sym/diode.mod\"\n"
+                          ".include \"sym/DX.mod\"\n"
                           "*Warning: Could not open data file sym\\QX.mod\n\n*.END\n\n");
 }
 

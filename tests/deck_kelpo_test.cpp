@@ -61,7 +61,7 @@ const std::string kHierarchy =
     ", " + Part("E1", "RES.1", R"("EXCLUDE": "shunt")", "A=IN B=MID", Numbered(24)) + " ] } ] }";
 
 const char kAmpDefinition[] =
-    "*Definition For Project AMP\n.SUBCKT AMP IN OUT\n.verilog va\\Amp.va\n"
+    "*Definition For Project AMP\n.SUBCKT AMP IN OUT\n.verilog ../../va/Amp.va\n"
     "YU1 amp PORT: IN MID GENERIC: GAIN=10\nYU2 cnt GENERIC: WIDTH=\"8\" PORT: MID OUT\n"
     "YU8 counter PORT: MID\n.use_verilog amplib\nYU9 AMP PORT: OUT\n"
     "*U3 Unrecognized Simulation Model type\n*Note : Excluding Component E1\n* CROSS-REFERENCE 0\n.ENDS\n";
@@ -155,7 +155,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
   EXPECT_EQ(run.output, kLongNote);
   EXPECT_EQ(run.deck,
             Head("-_ -__ -7 -h TOP", true) +
-                ".include \"..\\..\\genhdl\\TOP\\TOP_sources.spi\"\n"
+                ".include \"TOP_sources.spi\"\n"
                 "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
                 "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
                 kLongNote +
@@ -165,7 +165,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
                 "R3 A B 3.000000\n"
                 "YU6 stage GENERIC: COEFFICIENT_A=\"1111\" COEFFICIENT_B=\"2\" COEFFICIENT_C=\"3.5\"\n"
                 "+ MODE=\"fast\" PORT: B 0\n"
-                ".verilog $VA\\Sub.dir\\x.v\n"
+                ".verilog ../../$VA/Sub.dir/x.v\n"
                 "YU7 Probe PORT: A\n* CROSS-REFERENCE 1\n* GND=0\n.ENDS\n\n\n"
                 ".model filter macro lang=vhdlams LIB=WORK\n.model stage macro lang=vhdlams LIB=lib\n"
                 ".model Probe macro lang=veriloga\n\n");

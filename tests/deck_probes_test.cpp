@@ -71,7 +71,7 @@ TEST(DeckProbesTest, PspiceProbeWordWritesDecibelAndPhaseUnderCsdfForAc) {
     const bool current = p[0] == '(';
     const std::string t = current ? "I" : "V";
     const std::string probe = current ? p : "(" + p + ")";
-    statements += ".PROBE/CSDF\n" + t + "DB" + probe + " " + t + "P" + probe + "\n.PROBE " + t + probe + "\n";
+    statements += ".PROBE/CSDF\n+ " + t + "DB" + probe + " " + t + "P" + probe + "\n.PROBE " + t + probe + "\n";
   }
   EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE  V(IN)\n\n*.END\n\n");
@@ -142,7 +142,7 @@ TEST(DeckProbesTest, AnalogDependenciesKeepOnlyTheCsdfStatements) {
        {"VDB([X1.MID]) VP([X1.MID])", "IDB(X1.R1) IP(X1.R1)", "VDB([X1.X3.Q]) VP([X1.X3.Q])",
         "VDB([OUT]) VP([OUT])", "VDB([X2.MID]) VP([X2.MID])", "IDB(X2.R1) IP(X2.R1)",
         "VDB([X2.X3.Q]) VP([X2.X3.Q])"})
-    statements += std::string(".PROBE/CSDF\n") + probe + "\n";
+    statements += std::string(".PROBE/CSDF\n+ ") + probe + "\n";
   EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE/CSDF\n\n*.END\n\n");
 }

@@ -71,9 +71,8 @@ const char kHierarchyMap[] =
     "AMP/yu2 $7AI21\nAMP/yu8 $7AI25\nAMP/yu9 $7AI26\nTOP/ $7AI12\nTOP/0 $7AN3\nTOP/in $7AN1\n"
     "TOP/out $7AN2\nTOP/r1 $7AI10\nTOP/u4 $7AI16\nTOP/v7 $7AI13\nx1 AMP\n";
 
-// The probe pass reads a line that begins with "*" behind a ".model" line as a comment of the
-// model card and drops it; so the "*.END" line that follows the model directives goes, and with
-// it the place where hierarchical print statements would stand.
+// The "*.END" line right behind the model directives is no comment of the last card: it stays,
+// and hierarchical print statements have their place ahead of it.
 TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
   VeskRun run = RunVesk(kHierarchy, "-_ -h TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.output << run.errors;
@@ -83,7 +82,7 @@ TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
                           "V7 IN 0 5.000000\n*U4Unrecognized Simulation Model type\n* Dictionary 1\n"
                           "* GND=0\n.model amp macro lang=veriloga\n"
                           ".model cnt macro lang=vhdlams LIB=lib\n"
-                          ".model counter macro lang=vhdlams LIB=mylib.sub\n\n");
+                          ".model counter macro lang=vhdlams LIB=mylib.sub\n\n*.END\n\n");
   EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"), kHierarchyMap);
   EXPECT_FALSE(run.Exists("TOP.cir"));
 }

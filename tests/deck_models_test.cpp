@@ -184,7 +184,7 @@ TEST(MappedModelDeckTest, VhdlGenericsFromTheMappingFiles) {
                           "PORT: CK ( D1 D0 ) QO\n"
                           "YU2 counter(rtl) GENERIC: WIDTH=\"4\" DEPTH=\"2\" MODE=\"medium\" TPD=\"1.0\" "
                           "PORT: CK ( D1 D0 ) QO\nR1 QO 0 1000.000000\n* Dictionary 1\n* GND=0\n"
-                          ".model counter(rtl) macro lang=vhdlams LIB=mylib\n\n");
+                          ".model counter(rtl) macro lang=vhdlams LIB=mylib\n\n*.END\n\n");
   // A model without ModType writes neither a card nor a parameter file.
   EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"Instances_Info.xml"}));
 }

@@ -108,7 +108,7 @@ TEST(DeckPostTest, ElementsListKeepsTheLettersItNames) {
 // Parameter files of instance models (hierarchical deck, so that components know their
 // internal names): a -param.txt section of the instance, a .par file that renames the
 // model and adds its lines, both files (the section wins), and an instance line whose
-// last word is a parameter, which names no file. The last dictionary entry stands ahead of
+// last word is a parameter: its model is still the sub-circuit it calls. The last dictionary entry stands ahead of
 // the empty line of the probe pass and keeps its blanks.
 TEST(DeckPostTest, InstanceParameterFiles) {
   const char* const design = R"({ "groups": { "G1": { "internal_id": "7A" } },
@@ -139,7 +139,7 @@ TEST(DeckPostTest, InstanceParameterFiles) {
       "\n* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n"
       "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -h -z TOP\n* Levels    :\n*\n"
       "X5 1 2 SUBX\n+ A=1\n+ B=2\nX6 2 0 SUBQ\n* lines of the par file\n.PARAM PQ=1\n"
-      "X7 2 0 first line without star\n+ GAIN=2\nX8 2 0 SUBX PARAMS: GAIN=2.000000\n"
+      "X7 2 0 first line without star\n+ GAIN=2\nX8 2 0 SUBX PARAMS: GAIN=2.000000\n+ A=1\n+ B=2\n"
       "* Dictionary 3\n* GND=0\n* OUT=2\n* IN = 1\n\n*.END\n\n");
 }
 

@@ -17,7 +17,7 @@ TEST(SectionHeadTest, WholeNamesOnly) {
       {"*opamp2 $7ai1", "opamp", "$7ai1", false},
       {"*xopamp $7ai1", "opamp", "$7ai1", false},
       {"*opamp $7ai1", "opamp", "$7AI1", false},  // names come lower-cased; the match is exact
-      {"opamp $7ai1", "opamp", "$7ai1", false},    // no "*": no head
+      {"opamp $7ai1", "opamp", "$7ai1", false},   // no "*": no head
       {"", "opamp", "$7ai1", false},
       {"*opamp", "opamp", "", true},  // an empty name is held by every head
       {"*end", "", "", true},

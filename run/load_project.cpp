@@ -5,18 +5,23 @@
 
 bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOptions options) {
   try {
+    loadFailure = kExitNoDatabase;
     if (!project.Open(databaseName)) return false;
     project.SetOptions(options);
     Tessel::ContainerT<const Tessel::IBlock> block;
     project.FindRoot(group, block, options.rootPath);
+    loadFailure = kExitNoGroup;
     if (!block.IsValid()) return false;
+    loadFailure = kExitNoDatabase;
     if (options.flatten == 0)
       project.WalkHierarchy(block, group);
     else
       project.WalkFlat(block, group);
+    loadFailure = kExitDeckWritten;
     return true;
   } catch (...) {
-    // A failure inside the database or a walk means that no design was loaded.
+    // A failure inside the database or a walk means that no design was loaded: the database
+    // could not be read as a design.
     return false;
   }
 }

@@ -111,8 +111,11 @@ TEST(DeckIncludes, GlobalLinesStandInLabelOrderWhereTheDialectHasThem) {
   EXPECT_EQ(hspice.deck, Head("-m -n TOP") + lines +
                              "*Globals\n.global AVDD\n.global 0\n.global VDD\n\n"
                              ".OPTIONS INGOLD=2 CSDF=2\n*.END\n");
+  // Pspice marks a global node by "$G_" in front of its name.
   VeskRun pspice = RunVesk(GlobalsDesign(), "-n TOP");
-  EXPECT_EQ(pspice.deck, Head("-n TOP") + lines + "*.END\n");
+  EXPECT_EQ(pspice.deck, Head("-n TOP") +
+                             "R1 $G_VDD 0 1000.000000\nR2 $G_AVDD 0 1000.000000\n* Dictionary 3\n"
+                             "* AVDD=$G_AVDD\n* GND=0\n* VDD = $G_VDD\n\n*.END\n");
 }
 
 // TOP places AMP and a transistor of a model without a file; AMP holds a diode with a model

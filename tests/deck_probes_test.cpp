@@ -171,7 +171,7 @@ TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
 }
 
 // Initial conditions: one statement per kind, pairs in label order, written at the end of
-// the definition or root whose nets carry them; HSPICE and Berkeley put no brackets.
+// the definition or root whose nets carry them, each under the node the deck gives the net.
 const std::string kInitialDesign =
     R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } }, "blocks": [ { "name": "TOP",
     "nets": [ { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
@@ -186,9 +186,9 @@ const std::string kInitialDesign =
 TEST(DeckProbesTest, InitialConditionsInEachDialect) {
   const std::string body =
       "*Definition For Project AMP\n.SUBCKT AMP 1 2\nR1 1 3 1000.000000\nR2 3 2 1000.000000\n"
-      "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.IC V(MID)=0\n.ENDS\n\n"
+      "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.IC V(3)=0\n.ENDS\n\n"
       "X1 1 2 AMP\nR1 2 0 1000.000000\n* Dictionary 3\n* GND=0\n* OUT=2\n* IN=1\n"
-      ".NODESET V(IN)=5 V(OUT)=1.5\n.IC V(OUT)=0.2\n.GUESS V(IN)=4\n";
+      ".NODESET V(1)=5 V(2)=1.5\n.IC V(2)=0.2\n.GUESS V(1)=4\n";
   VeskRun hspice = RunVesk(kInitialDesign, "-h -m TOP");
   EXPECT_EQ(hspice.deck, Head("-h -m TOP", true) + body + ".OPTIONS INGOLD=2 CSDF=2\n\n*.END\n\n");
   VeskRun berkeley = RunVesk(kInitialDesign, "-s -h TOP");

@@ -139,6 +139,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   std::map<std::string, std::string> netUidMap;
   int32_t uniqueCounter = 0;
   bool modelRegistered = false;
+  bool calledNameWritten = false;  // the X line being written already names its sub-circuit
   bool groundSeen = false;
   bool voltageProbeHere = false;
   bool generatorHere = false;

@@ -66,7 +66,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   void SetDatabaseName(std::string) { databaseName = "database"; }
   void OpenWirelist(SpiceProject& project);
   void BeginBlock(SpiceBlock& block);
-  /// The component loop of a block: stops at a component without attributes.
+  /// The component loop of a block, a line for every component.
   void WriteComponents(SpiceBlock& block);
   /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
   void WriteDefinitionBody(SpiceBlock& block, const char* endText);
@@ -157,6 +157,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   int32_t uniqueCounter = 0;
   int loadFailure = kExitDeckWritten;  // set by LoadProject
   bool modelRegistered = false;
+  bool calledNameWritten = false;  // the X line being written already names its sub-circuit
   bool groundSeen = false;
   bool voltageProbeHere = false;
   bool generatorHere = false;

@@ -13,8 +13,11 @@ bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOption
     loadFailure = kExitNoGroup;
     if (!block.IsValid()) return false;
     loadFailure = kExitNoDatabase;
+    // The definitions hang below the block itself, whatever name (a test bench's) found it.
+    Tessel::String rootName;
+    block->GetName(rootName);
     if (options.flatten == 0)
-      project.WalkHierarchy(block, group);
+      project.WalkHierarchy(block, rootName.str());
     else
       project.WalkFlat(block, group);
     loadFailure = kExitDeckWritten;

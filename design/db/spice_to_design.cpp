@@ -144,10 +144,11 @@ class Converter {
   // The net label of a node in the block in work: the first spelling; 0 and gnd are ground.
   std::string NetLabel(const std::string& node) {
     std::string lower = Lower(node);
-    if (lower == "0" || lower == "gnd") return "GND";
-    auto [it, added] = netOfNode_.emplace(lower, node);
-    if (added && globals_.count(lower)) {
-      Json net = {{"label", node}, {"global", true}};
+    bool ground = lower == "0" || lower == "gnd";
+    auto [it, added] = netOfNode_.emplace(ground ? "0" : lower, ground ? "GND" : node);
+    // Ground inside a sub-circuit is global: a flat deck then keeps its name, and so node 0.
+    if (added && (globals_.count(lower) || (ground && blockIndex_ > 0))) {
+      Json net = {{"label", it->second}, {"global", true}};
       builder_.AddItem(blockIndex_, ItemKind::kNet, netCount_++, net);
     }
     return it->second;

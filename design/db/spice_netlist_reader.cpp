@@ -384,7 +384,10 @@ class NetlistBuilder {
     if (nodes < 0 && letter != 'X') return Fail(s.origin, "unknown element letter in " + w[0]);
     // Every element has at least one word behind its nodes, but a source of 0 V.
     size_t needed = static_cast<size_t>(std::max(nodes, 0)) + (letter == 'V' || letter == 'I' ? 1 : 2);
-    if (nodes < 0 || w.size() < needed) return Fail(s.origin, "wrong number of nodes for " + w[0]);
+    if (nodes < 0 || w.size() < needed) {
+      std::string expected = letter == 'X' ? "nodes and a sub-circuit" : std::to_string(nodes) + " nodes and a value";
+      return Fail(s.origin, "wrong number of nodes for " + w[0] + " (" + expected + " expected)");
+    }
     element.name = w[0];
     element.origin = s.origin;
     element.nodes.assign(w.begin() + 1, w.begin() + 1 + nodes);

@@ -131,6 +131,10 @@ class StatementCollector {
         if (inSection && !skipping) statements.push_back(line);
         continue;
       }
+      if (line.text[0] != '.') {
+        if (inSection && !skipping) statements.push_back(std::move(line));
+        continue;
+      }
       std::string key = Keyword(line.text);
       std::vector<std::string> words = SplitSpiceWords(line.text);
       if ((key == ".lib" || key == ".library") && words.size() == 2) {

@@ -163,10 +163,10 @@ class Converter {
       Json port = {{"name", ports[i]}, {"net", NetLabel(ports[i])}};
       if (!builder_.AddItem(block, ItemKind::kPort, i, port)) return BuilderFailed();
     }
+    ComponentFields comp;
     for (size_t i = 0; i < elements.size(); ++i) {
-      Json comp;
       if (!Component(elements[i], comp)) return false;
-      if (!builder_.AddItem(block, ItemKind::kComponent, i, comp)) return BuilderFailed();
+      if (!builder_.AddComponentFields(block, i, comp)) return BuilderFailed();
       ++components_;
     }
     if (!builder_.EndBlock(block, Json::object({{"name", name}}))) return BuilderFailed();
@@ -179,71 +179,80 @@ class Converter {
     return false;
   }
 
-  bool Component(const SpiceElement& e, Json& comp) {
+  static bool HasKey(const TextPairs& pairs, const std::string& key) {
+    for (const auto& pair : pairs)
+      if (pair.first == key) return true;
+    return false;
+  }
+
+  // Fills `comp` (whose lists are reused from one element to the next) from an element.
+  bool Component(const SpiceElement& e, ComponentFields& comp) {
     char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(e.name[0])));
     size_t callee = Callee(e);
     bool hierarchical = callee != std::string::npos && !library_[callee];
-    Json pins = Json::array();
+    comp.pins.clear();
+    comp.attributes.clear();
+    comp.definition.clear();
     for (size_t i = 0; i < e.nodes.size(); ++i) {
       std::string pin = hierarchical && i < n_.subckts[callee].ports.size() ? n_.subckts[callee].ports[i]
                                                                             : PinName(letter, i, e.nodes.size());
-      pins.push_back(Json::object({{"name", pin}, {"net", NetLabel(e.nodes[i])}}));
+      comp.pins.emplace_back(std::move(pin), NetLabel(e.nodes[i]));
     }
-    Json attrs = Json::object(), definition = Json::object();
     std::string order;
+    comp.label = e.name;
+    comp.child.clear();
     if (hierarchical) {
       const SpiceSubckt& sub = n_.subckts[callee];
       if (sub.ports.size() != e.nodes.size())
         return Fail(e.origin, e.name + " has " + std::to_string(e.nodes.size()) + " nodes, sub-circuit " +
                                   sub.name + " has " + std::to_string(sub.ports.size()) + " ports");
-      Body(e, 1, attrs, order);
-      comp = {{"label", e.name}, {"name", sub.name}, {"type", 2}, {"child", sub.name}};
-      definition["PREFIX"] = "X";
-      if (!order.empty()) definition["COMPOSITE_ORDER"] = "1";
+      Body(e, 1, comp.attributes, order);
+      comp.name = comp.child = sub.name;
+      comp.type = 2;
+      comp.definition.emplace_back("PREFIX", "X");
+      if (!order.empty()) comp.definition.emplace_back("COMPOSITE_ORDER", "1");
     } else {
       if (letter == 'X') {
         // The sub-circuit is the model: the deck includes sym/<name>.mod when the netlist has it.
-        attrs["MODEL"] = callee == std::string::npos ? e.words[0] : n_.subckts[callee].name;
+        comp.attributes.emplace_back("MODEL", callee == std::string::npos ? e.words[0] : n_.subckts[callee].name);
         order = "MODEL$";
-        if (callee != std::string::npos) DefaultsOf(n_.subckts[callee], definition);
-        Body(e, 1, attrs, order);
+        if (callee != std::string::npos) DefaultsOf(n_.subckts[callee], comp.definition);
+        Body(e, 1, comp.attributes, order);
       } else {
-        Body(e, 0, attrs, order);
+        Body(e, 0, comp.attributes, order);
       }
-      comp = {{"label", e.name}, {"name", std::string(1, letter)}};
-      definition["PREFIX"] = std::string(1, letter);
+      comp.name = std::string(1, letter);
+      comp.type = 1;
+      comp.definition.emplace_back("PREFIX", std::string(1, letter));
     }
-    definition["ORDER"] = order;
-    comp["attributes"] = std::move(attrs);
-    comp["definition"] = std::move(definition);
-    comp["pins"] = std::move(pins);
+    comp.definition.emplace_back("ORDER", std::move(order));
     return true;
   }
 
   // The definition's parameter defaults, kept beside the instance's own values.
-  static void DefaultsOf(const SpiceSubckt& sub, Json& definition) {
+  static void DefaultsOf(const SpiceSubckt& sub, TextPairs& definition) {
     for (const std::string& word : sub.params) {
       size_t eq = word.find('=');
       std::string key = Upper(word.substr(0, eq));
-      if (!KeyNeedsWholeWord(key) && !definition.contains(key)) definition[key] = word.substr(eq + 1);
+      if (!KeyNeedsWholeWord(key) && !HasKey(definition, key)) definition.emplace_back(key, word.substr(eq + 1));
     }
   }
 
   // The words behind the nodes, from `first` on, as attributes and ORDER tokens in their order.
-  void Body(const SpiceElement& e, size_t first, Json& attrs, std::string& order) {
+  void Body(const SpiceElement& e, size_t first, TextPairs& attrs, std::string& order) {
     char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(e.name[0])));
     bool modelFirst = std::string("DQJMSWT").find(letter) != std::string::npos;
     bool haveValue = false, haveModel = letter == 'X';
     int args = 0;
     for (size_t i = first; i < e.words.size(); ++i) {
-      std::string word = e.words[i];
+      const std::string& word = e.words[i];
       if (Lower(word) == "params:") continue;
       size_t eq = word.find('=');
       std::string name;
       if (eq != std::string::npos && eq > 0) {
         std::string key = Upper(word.substr(0, eq));
-        if (!KeyNeedsWholeWord(key) && !attrs.contains(key) && eq + 1 < word.size()) {
-          attrs[key] = word.substr(eq + 1);
+        if (!KeyNeedsWholeWord(key) && !HasKey(attrs, key) && eq + 1 < word.size()) {
+          attrs.emplace_back(key, word.substr(eq + 1));
           order += (order.empty() ? "" : " ") + key + "=";
           continue;
         }
@@ -251,18 +260,18 @@ class Converter {
         auto model = modelOfName_.find(Lower(word));
         if (!haveModel && (model != modelOfName_.end() || (modelFirst && !haveValue))) {
           // A model is written under the spelling of its card, the name of its file.
-          attrs["MODEL"] = model != modelOfName_.end() ? model->second : word;
+          attrs.emplace_back("MODEL", model != modelOfName_.end() ? model->second : word);
           haveModel = true;
           name = "MODEL";
         } else if (!haveValue && !modelFirst && letter != 'X') {
           name = "VALUE";
-          attrs[name] = word;
+          attrs.emplace_back(name, word);
           haveValue = true;
         }
       }
       if (name.empty()) {
         name = "ARG" + std::to_string(++args);
-        attrs[name] = word;
+        attrs.emplace_back(name, word);
       }
       order += (order.empty() ? "" : " ") + name + "$";
     }

@@ -250,6 +250,21 @@ TEST(SpiceImportToolTest, PrintsWhatItWrote) {
   EXPECT_EQ(output, "Wrote p/database (1 blocks, 3 components)\nWrote p/sym/dm.mod\nWrote p/Amp2.inc\n");
 }
 
+// The deck TOP.cir would land on a netlist top.cir beside the database (files are found ignoring case).
+TEST(SpiceImportToolTest, WarnsWhenTheDeckWouldOverwriteTheNetlist) {
+  ToolFolder folder;
+  folder.Write("amp.cir", "amp\nR1 1 0 1\n");
+  folder.Write("src/amp.cir", "amp\nR1 1 0 1\n");
+  std::string output, errors;
+  ASSERT_EQ(folder.Run("import-spice amp.cir", output, errors), 0) << errors;
+  EXPECT_EQ(output, "Wrote database (1 blocks, 1 components)\nWrote AMP.inc\n"
+                    "Warning: vesk writes the deck AMP.cir over the netlist amp.cir; keep the netlist under another name\n");
+  ASSERT_EQ(folder.Run("import-spice src/amp.cir", output, errors), 0) << errors;
+  EXPECT_EQ(output.find("Warning"), std::string::npos) << output;
+  ASSERT_EQ(folder.Run("import-spice --project src --top Other src/amp.cir", output, errors), 0) << errors;
+  EXPECT_EQ(output.find("Warning"), std::string::npos) << output;
+}
+
 TEST(SpiceImportToolTest, BadInputLeavesTheOldDatabase) {
   ToolFolder folder;
   folder.Write("good.cir", "good\nR1 1 0 1k\n");

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <string>
 
@@ -12,6 +13,8 @@
 #ifndef VESK_VERSION
 #define VESK_VERSION "0.0"
 #endif
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -88,6 +91,22 @@ std::string TopFromFile(const std::string& file) {
   return stem;
 }
 
+// vesk writes <TOP>.cir into the project folder, finding files there ignoring case: a netlist
+// of that name there would be overwritten by the first deck.
+void WarnOfDeckOverNetlist(const std::string& file, const std::string& project, const std::string& top) {
+  std::error_code error;
+  fs::path netlist(file);
+  fs::path folder = project.empty() ? fs::path(".") : fs::path(project);
+  fs::path netlistFolder = netlist.has_parent_path() ? netlist.parent_path() : fs::path(".");
+  if (!fs::equivalent(folder, netlistFolder, error)) return;
+  std::string name = netlist.filename().string(), deck = top + ".cir";
+  if (name.size() != deck.size()) return;
+  for (size_t i = 0; i < name.size(); ++i)
+    if (std::tolower(static_cast<unsigned char>(name[i])) != std::tolower(static_cast<unsigned char>(deck[i]))) return;
+  std::cout << "Warning: vesk writes the deck " << deck << " over the netlist " << file
+            << "; keep the netlist under another name\n";
+}
+
 int ImportSpice(int argc, char** argv) {
   std::string project, top, file;
   for (int i = 2; i < argc; ++i) {
@@ -118,6 +137,7 @@ int ImportSpice(int argc, char** argv) {
     return kBadInput;
   }
   std::cout << written;
+  WarnOfDeckOverNetlist(file, project, top);
   return 0;
 }
 

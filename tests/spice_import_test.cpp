@@ -38,7 +38,9 @@ std::string Join(const std::vector<std::string>& words, const char* separator = 
 std::string Describe(const vdb::SpiceNetlist& n) {
   std::string out = "title " + n.title + "\n";
   auto element = [](const vdb::SpiceElement& e) {
-    return e.name + " (" + Join(e.nodes) + ") [" + Join(e.words, "|") + "] @" + std::to_string(e.origin.line) + "\n";
+    std::string control = e.controlNodes.empty() ? "" : " ctl(" + Join(e.controlNodes) + ")";
+    return e.name + " (" + Join(e.nodes) + ") [" + Join(e.words, "|") + "]" + control + " @" +
+           std::to_string(e.origin.line) + "\n";
   };
   for (const vdb::SpiceElement& e : n.topElements) out += element(e);
   for (const vdb::SpiceSubckt& s : n.subckts) {
@@ -74,7 +76,7 @@ const ReadCase kReadCases[] = {
      ".model qm npn\n",
      {},
      "title t\nQ1 (c b e) [qm] @2\nQ2 (c b e s) [qm|area=2] @3\nM1 (d g s b) [nch|w=1u] @4\nE1 (o 0 a b) [2] @5\n"
-     "E2 (o 0) [value={v(a)}] @6\nG1 (o 0) [poly(1)|a|0|0|1] @7\nF1 (o 0) [vs|2] @8\nK1 () [L1|L2|0.9] @9\n"
+     "E2 (o 0) [value={v(a)}] @6\nG1 (o 0) [poly(1)|0|1] ctl(a 0) @7\nF1 (o 0) [vs|2] @8\nK1 () [L1|L2|0.9] @9\n"
      "X1 (a b c) [sub|params:|r=1] @10\nJ1 (d g s) [jm] @11\nT1 (a 0 b 0) [z0=50|td=1n] @12\nmodel qm: .model qm npn\n"},
     {"SubcircuitsNestedAndCaseless",
      "t\n.SUBCKT Outer a b PARAMS: k=2\n.subckt inner x y\nR1 x y 1k\n.ends inner\nX1 a b inner\n.param q=1\n.Ends\n"
@@ -121,6 +123,8 @@ const BadCase kBadCases[] = {
     {"TooFewNodes", "t\nR1 a\n+ 1k\n", {}, "top.cir:2: wrong number of nodes for R1 (2 nodes and a value expected)"},
     {"MosWithoutModel", "t\nM1 d g s b\n", {}, "top.cir:2: wrong number of nodes for M1 (4 nodes and a value expected)"},
     {"SubcircuitCallWithNothing", "t\nX1\n", {}, "top.cir:2: wrong number of nodes for X1 (nodes and a sub-circuit expected)"},
+    {"PolyWithoutItsNodes", "t\nE1 o 0 poly(2) a 0 b\n", {},
+     "top.cir:2: wrong number of nodes for E1 (4 controlling nodes expected behind poly(2))"},
     {"UnterminatedSubckt", "t\n.subckt s a b\nR1 a b 1\n", {}, "top.cir:2: .subckt s has no .ends"},
     {"EndsAlone", "t\n.ends\n", {}, "top.cir:2: .ends without .subckt"},
     {"SubcktTwice", "t\n.subckt s a\n.ends\n.SUBCKT S a\n.ends\n", {}, "top.cir:4: sub-circuit S is defined twice"},

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <unordered_set>
 
 namespace vdb {
@@ -396,6 +397,21 @@ class NetlistBuilder {
     element.origin = s.origin;
     element.nodes.assign(w.begin() + 1, w.begin() + 1 + nodes);
     element.words.assign(w.begin() + 1 + nodes, w.end());
+    if ((letter == 'E' || letter == 'G') && nodes == 2) return ReadPolyNodes(s, element);
+    return true;
+  }
+
+  // POLY(n) of a voltage-controlled source is followed by n pairs of controlling nodes.
+  bool ReadPolyNodes(const Statement& s, SpiceElement& element) {
+    std::string poly = Lower(element.words[0]);
+    if (poly.compare(0, 5, "poly(") != 0) return true;
+    int dimensions = std::atoi(poly.c_str() + 5);
+    size_t count = dimensions > 0 ? 2 * static_cast<size_t>(dimensions) : 0;
+    if (count == 0 || element.words.size() < 1 + count)
+      return Fail(s.origin, "wrong number of nodes for " + element.name + " (" + std::to_string(count) +
+                                " controlling nodes expected behind " + element.words[0] + ")");
+    element.controlNodes.assign(element.words.begin() + 1, element.words.begin() + 1 + count);
+    element.words.erase(element.words.begin() + 1, element.words.begin() + 1 + count);
     return true;
   }
 

@@ -20,6 +20,8 @@ struct SpiceElement {
   std::string name;
   std::vector<std::string> nodes;
   std::vector<std::string> words;
+  /// The controlling node pairs of an E or G source in POLY(n) form, which stand behind words[0].
+  std::vector<std::string> controlNodes;
   SpiceOrigin origin;
 };
 

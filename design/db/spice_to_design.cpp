@@ -220,6 +220,7 @@ class Converter {
         Body(e, 1, comp.attributes, order);
       } else {
         Body(e, 0, comp.attributes, order);
+        if (!e.controlNodes.empty()) ControlPins(e, comp, order);
       }
       comp.name = std::string(1, letter);
       comp.type = 1;
@@ -227,6 +228,20 @@ class Converter {
     }
     comp.definition.emplace_back("ORDER", std::move(order));
     return true;
+  }
+
+  // The controlling nodes of a POLY source are pins NC1, NC2, ... written by the template right
+  // behind the POLY word; PINORDER keeps them out of the nodes at the head of the line.
+  void ControlPins(const SpiceElement& e, ComponentFields& comp, std::string& order) {
+    std::string tokens;
+    for (size_t i = 0; i < e.controlNodes.size(); ++i) {
+      std::string pin = "NC" + std::to_string(i + 1);
+      comp.pins.emplace_back(pin, NetLabel(e.controlNodes[i]));
+      tokens += " " + pin + "[";
+    }
+    size_t firstToken = order.find(' ');
+    order.insert(firstToken == std::string::npos ? order.size() : firstToken, tokens);
+    comp.attributes.emplace_back("PINORDER", "P N");
   }
 
   // The definition's parameter defaults, kept beside the instance's own values.

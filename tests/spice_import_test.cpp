@@ -202,6 +202,45 @@ TEST(SpiceDesignTest, SubcircuitsBecomeBlocksAndInstances) {
   EXPECT_EQ(files[0].text, ".subckt leaf x y\nD1 x y dx\n.model dx d\n.ends\n");
 }
 
+// Which sub-circuits stay text: parameters, local statements, elements that name elements.
+TEST(SpiceDesignTest, LibraryOrBlock) {
+  struct Case {
+    const char* definition;
+    bool library;
+  } cases[] = {
+      {".subckt s a b\nR1 a b 1\n.ends\n", false},
+      {".subckt s a b params: k=1\nR1 a b {k}\n.ends\n", true},
+      {".subckt s a b k=1\nR1 a b {k}\n.ends\n", true},
+      {".subckt s a b\n.param k=1\nR1 a b {k}\n.ends\n", true},
+      {".subckt s a b\nL1 a b 1u\nL2 a b 1u\nK1 L1 L2 0.5\n.ends\n", true},
+      {".subckt s a b\nV1 a c 0\nF1 c b V1 2\n.ends\n", true},
+      {".subckt s a b\nV1 a c 0\nH1 c b V1 2\n.ends\n", true},
+      {".subckt s a b\nV1 a c 0\nW1 c b V1 sw\n.ends\n", true},
+  };
+  for (const Case& c : cases) {
+    std::vector<vdb::SpiceSideFile> files;
+    std::string json = DesignOf(std::string("t\nX1 1 0 s\n") + c.definition, files);
+    EXPECT_EQ(json.find(R"("type": 2, "child": "s")") == std::string::npos, c.library) << c.definition << json;
+    EXPECT_EQ(files.size(), c.library ? 2u : 1u) << c.definition;
+  }
+}
+
+// vesk grounds nets whose label begins with "GND"; other such nodes are labelled in lower case.
+TEST(SpiceDesignTest, GroundAndNodesThatLookLikeIt) {
+  std::vector<vdb::SpiceSideFile> files;
+  std::string json = DesignOf("t\nR1 GNDA 0 1\nR2 gnd GND 1\nR3 Gnd2 GNDA 1\n.global vdd\nR4 vdd 0 1\n", files);
+  EXPECT_NE(json.find(R"({"label": "vdd", "global": true})"), std::string::npos) << json;
+  EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["gnda"]}, {"name": "N", "nets": ["GND"]}])"),
+            std::string::npos)
+      << json;
+  EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["GND"]}, {"name": "N", "nets": ["GND"]}])"),
+            std::string::npos)
+      << json;
+  EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["Gnd2"]}, {"name": "N", "nets": ["gnda"]}])"),
+            std::string::npos)
+      << json;
+}
+
 // A library sub-circuit's file carries what it calls and the models they use.
 TEST(SpiceDesignTest, LibraryFileStandsAlone) {
   std::vector<vdb::SpiceSideFile> files;

@@ -134,8 +134,10 @@ std::string Control(const RoundTrip& c, const std::map<std::string, std::string>
 
 // The netlist without its .end, so that the control block can follow.
 std::string WithoutEnd(const std::string& netlist) {
-  size_t end = Lower(netlist).rfind("\n.end");
-  return end == std::string::npos ? netlist : netlist.substr(0, end + 1);
+  std::string kept, line;
+  std::istringstream lines(netlist);
+  while (std::getline(lines, line) && Lower(line) != ".end") kept += line + "\n";
+  return kept;
 }
 
 class Scratch {
@@ -325,6 +327,23 @@ const RoundTrip kCases[] = {
      ".end\n",
      {},
      "ac lin 1 50k 50k",
+     "mag(v(%out%))"},
+    {"CoupledInductors",
+     "Transformers, at the top and inside a sub-circuit\n"
+     "V1 in 0 AC 1\n"
+     "R1 in p 50\n"
+     "LP p 0 1m\n"
+     "LS s 0 4m\n"
+     "K1 LP LS 0.99\n"
+     "X1 s out xf\n"
+     "RL out 0 1k\n"
+     ".subckt xf a b\n"
+     "L1 a 0 1m\n"
+     "L2 b 0 1m\n"
+     "K1 L1 L2 0.9\n"
+     ".ends\n",
+     {},
+     "ac lin 1 10k 10k",
      "mag(v(%out%))"},
     {"LibrarySection",
      "Models from a .lib section\n"

@@ -6,8 +6,9 @@
 // sym/<model>.mod), other plain words as ARGn$, and "key=value" words as KEY= tokens. A key that
 // has a meaning of its own to vesk, or whose plain numbers vesk would give a unit, is kept whole
 // in an ARGn attribute instead. A sub-circuit that takes parameters, holds its own .param or
-// .model statements, or comes from a .lib section stays a library sub-circuit (a model file),
-// since a .SUBCKT line of the deck has no parameters; every other one becomes a block.
+// .model statements, comes from a .lib section, or holds K, F, H or W elements (which name other
+// elements) stays a library sub-circuit (a model file), since a .SUBCKT line of the deck has no
+// parameters and a flat deck renames the elements inside; every other one becomes a block.
 #include "design/db/spice_to_design.h"
 
 #include <cctype>
@@ -133,11 +134,21 @@ class Converter {
     return true;
   }
 
+  // K, F, H and W elements name other elements, whose names a flat deck prefixes with the
+  // instance path; such a sub-circuit keeps its own text.
+  static bool NamesElements(const SpiceSubckt& sub) {
+    for (const SpiceElement& e : sub.elements) {
+      char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(e.name[0])));
+      if (letter == 'K' || letter == 'F' || letter == 'H' || letter == 'W') return true;
+    }
+    return false;
+  }
+
   void ChooseLibraries() {
     library_.assign(n_.subckts.size(), false);
     for (size_t i = 0; i < n_.subckts.size(); ++i) {
       const SpiceSubckt& s = n_.subckts[i];
-      library_[i] = s.fromLibrary || !s.params.empty() || s.hasLocalStatements;
+      library_[i] = s.fromLibrary || !s.params.empty() || s.hasLocalStatements || NamesElements(s);
     }
   }
 
@@ -145,7 +156,10 @@ class Converter {
   std::string NetLabel(const std::string& node) {
     std::string lower = Lower(node);
     bool ground = lower == "0" || lower == "gnd";
-    auto [it, added] = netOfNode_.emplace(ground ? "0" : lower, ground ? "GND" : node);
+    // vesk grounds every net whose name begins with "GND": another such node is labelled in
+    // lower case, the same node to a simulator.
+    std::string label = ground ? "GND" : node.compare(0, 3, "GND") == 0 ? lower : node;
+    auto [it, added] = netOfNode_.emplace(ground ? "0" : lower, label);
     // Ground inside a sub-circuit is global: a flat deck then keeps its name, and so node 0.
     if (added && (globals_.count(lower) || (ground && blockIndex_ > 0))) {
       Json net = {{"label", it->second}, {"global", true}};
@@ -256,7 +270,7 @@ class Converter {
   // The words behind the nodes, from `first` on, as attributes and ORDER tokens in their order.
   void Body(const SpiceElement& e, size_t first, TextPairs& attrs, std::string& order) {
     char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(e.name[0])));
-    bool modelFirst = std::string("DQJMSWT").find(letter) != std::string::npos;
+    bool modelFirst = std::string("DQJMST").find(letter) != std::string::npos;
     bool haveValue = false, haveModel = letter == 'X';
     int args = 0;
     for (size_t i = first; i < e.words.size(); ++i) {

@@ -63,7 +63,8 @@ double RunSeconds(const std::vector<std::string>& args, const fs::path& folder, 
   int raw = 0;
   struct rusage usage {};
   wait4(pid, &raw, 0, &usage);
-  cpu = usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + 1e-6 * (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+  cpu = usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+        1e-6 * (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
   status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128;
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
@@ -97,9 +98,9 @@ int main(int argc, char** argv) {
     WriteNetlist(netlist, elements);
     int status = 0;
     double cpu = 0;
-    double seconds = RunSeconds({(bin / "vesk-db").string(), "import-spice", "--project", "p",
-                                 netlist.filename().string()},
-                                work, status, cpu);
+    double seconds = RunSeconds(
+        {(bin / "vesk-db").string(), "import-spice", "--project", "p", netlist.filename().string()}, work,
+        status, cpu);
     if (status != 0) {
       std::fprintf(stderr, "vesk-db failed (%d) on %s\n", status, netlist.c_str());
       return 1;

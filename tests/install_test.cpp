@@ -35,14 +35,14 @@ TEST(InstallTest, InstalledToolRunsTheExample) {
   fs::path scratch = ::mkdtemp(pattern);
   fs::path prefix = scratch / "prefix", project = scratch / "project";
   std::string output, errors;
-  ASSERT_EQ(RunProgram(cmake, "--install " + BinaryDir() + " --prefix " + prefix.string(), scratch.string(), {},
-                       output, errors),
+  ASSERT_EQ(RunProgram(cmake, "--install " + BinaryDir() + " --prefix " + prefix.string(), scratch.string(),
+                       {}, output, errors),
             0)
       << output << errors;
 
-  for (const char* file : {"bin/vesk", "bin/vesk-db", "share/vesk/standard/vesk.cfg",
-                           "share/vesk/examples/divider/design.json", "share/man/man1/vesk.1",
-                           "share/man/man1/vesk-db.1"})
+  for (const char* file :
+       {"bin/vesk", "bin/vesk-db", "share/vesk/standard/vesk.cfg", "share/vesk/examples/divider/design.json",
+        "share/man/man1/vesk.1", "share/man/man1/vesk-db.1"})
     EXPECT_TRUE(fs::exists(prefix / file)) << file;
   EXPECT_NE(ReadFile(prefix / "share/man/man1/vesk.1").find(".SH EXIT STATUS"), std::string::npos);
   EXPECT_NE(ReadFile(prefix / "share/man/man1/vesk-db.1").find("import\\-spice"), std::string::npos);
@@ -54,8 +54,8 @@ TEST(InstallTest, InstalledToolRunsTheExample) {
                        project.string(), {}, output, errors),
             0)
       << errors;
-  ASSERT_EQ(RunProgram(vesk, "divider", project.string(), {{"GALT_HOME", (prefix / "share/vesk").string()}}, output,
-                       errors),
+  ASSERT_EQ(RunProgram(vesk, "divider", project.string(), {{"GALT_HOME", (prefix / "share/vesk").string()}},
+                       output, errors),
             0)
       << output << errors;
   std::string deck = ReadFile(project / "DIVIDER.cir");

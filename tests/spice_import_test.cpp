@@ -44,8 +44,8 @@ std::string Describe(const vdb::SpiceNetlist& n) {
   };
   for (const vdb::SpiceElement& e : n.topElements) out += element(e);
   for (const vdb::SpiceSubckt& s : n.subckts) {
-    out += "subckt " + s.name + " (" + Join(s.ports) + ") [" + Join(s.params) + "]" + (s.fromLibrary ? " lib" : "") +
-           (s.hasLocalStatements ? " local" : "") + "\n";
+    out += "subckt " + s.name + " (" + Join(s.ports) + ") [" + Join(s.params) + "]" +
+           (s.fromLibrary ? " lib" : "") + (s.hasLocalStatements ? " local" : "") + "\n";
     for (const vdb::SpiceElement& e : s.elements) out += "  " + element(e);
   }
   for (const vdb::SpiceModelCard& m : n.models) out += "model " + m.name + ": " + m.text + "\n";
@@ -72,20 +72,27 @@ const ReadCase kReadCases[] = {
      "title t\nV1 (in 0) [DC|1|SIN(0 1 1k)] @2\nB1 (o 0) [V={v(in) * 2}] @3\nR1 (a b) [r='2 * k'] @4\n"},
     {"NodeCountsByLetter",
      "t\nQ1 c b e qm\nQ2 c b e s qm area=2\nM1 d g s b nch w=1u\nE1 o 0 a b 2\nE2 o 0 value={v(a)}\n"
-     "G1 o 0 poly(1) a 0 0 1\nF1 o 0 vs 2\nK1 L1 L2 0.9\nX1 a b c sub params: r=1\nJ1 d g s jm\nT1 a 0 b 0 z0=50 td=1n\n"
+     "G1 o 0 poly(1) a 0 0 1\nF1 o 0 vs 2\nK1 L1 L2 0.9\nX1 a b c sub params: r=1\nJ1 d g s jm\nT1 a 0 b 0 "
+     "z0=50 td=1n\n"
      ".model qm npn\n",
      {},
-     "title t\nQ1 (c b e) [qm] @2\nQ2 (c b e s) [qm|area=2] @3\nM1 (d g s b) [nch|w=1u] @4\nE1 (o 0 a b) [2] @5\n"
-     "E2 (o 0) [value={v(a)}] @6\nG1 (o 0) [poly(1)|0|1] ctl(a 0) @7\nF1 (o 0) [vs|2] @8\nK1 () [L1|L2|0.9] @9\n"
-     "X1 (a b c) [sub|params:|r=1] @10\nJ1 (d g s) [jm] @11\nT1 (a 0 b 0) [z0=50|td=1n] @12\nmodel qm: .model qm npn\n"},
+     "title t\nQ1 (c b e) [qm] @2\nQ2 (c b e s) [qm|area=2] @3\nM1 (d g s b) [nch|w=1u] @4\nE1 (o 0 a b) [2] "
+     "@5\n"
+     "E2 (o 0) [value={v(a)}] @6\nG1 (o 0) [poly(1)|0|1] ctl(a 0) @7\nF1 (o 0) [vs|2] @8\nK1 () [L1|L2|0.9] "
+     "@9\n"
+     "X1 (a b c) [sub|params:|r=1] @10\nJ1 (d g s) [jm] @11\nT1 (a 0 b 0) [z0=50|td=1n] @12\nmodel qm: "
+     ".model qm npn\n"},
     {"SubcircuitsNestedAndCaseless",
-     "t\n.SUBCKT Outer a b PARAMS: k=2\n.subckt inner x y\nR1 x y 1k\n.ends inner\nX1 a b inner\n.param q=1\n.Ends\n"
+     "t\n.SUBCKT Outer a b PARAMS: k=2\n.subckt inner x y\nR1 x y 1k\n.ends inner\nX1 a b inner\n.param "
+     "q=1\n.Ends\n"
      "X9 1 2 outer\n.END\nR9 ignored after end 1\n",
      {},
-     "title t\nX9 (1 2) [outer] @9\nsubckt Outer (a b) [k=2] local\n  X1 (a b) [inner] @6\nsubckt inner (x y) []\n"
+     "title t\nX9 (1 2) [outer] @9\nsubckt Outer (a b) [k=2] local\n  X1 (a b) [inner] @6\nsubckt inner (x "
+     "y) []\n"
      "  R1 (x y) [1k] @4\n"},
     {"HeaderStatementsAndControl",
-     "t\n.param rv=1k\n.options reltol=1e-4\n.tran 1n 1u\n.global vdd\n.control\nrun\nprint v(1)\n.endc\nR1 1 0 {rv}\n",
+     "t\n.param rv=1k\n.options reltol=1e-4\n.tran 1n 1u\n.global vdd\n.control\nrun\nprint v(1)\n.endc\nR1 "
+     "1 0 {rv}\n",
      {},
      "title t\nR1 (1 0) [{rv}] @10\nheader .param rv=1k\nheader .options reltol=1e-4\nheader .tran 1n 1u\n"
      "header .control\nheader run\nheader print v(1)\nheader .endc\nglobal vdd\n"},
@@ -93,7 +100,9 @@ const ReadCase kReadCases[] = {
      "t\n.include sub/parts.inc\n.lib lib/c.lib tt\nR1 a 0 1\n",
      {{"sub/parts.inc", "* parts\nR2 a b 2\n.include more.inc\n"},
       {"sub/more.inc", "R3 b 0 3\n"},
-      {"lib/c.lib", ".lib ff\n.model d1 d is=1\n.endl\n.lib tt\n.model d1 d is=2\n.subckt s a\nR1 a 0 1\n.ends\n.endl tt\n"}},
+      {"lib/c.lib",
+       ".lib ff\n.model d1 d is=1\n.endl\n.lib tt\n.model d1 d is=2\n.subckt s a\nR1 a 0 1\n.ends\n.endl "
+       "tt\n"}},
      "title t\nR2 (a b) [2] @2\nR3 (b 0) [3] @1\nR1 (a 0) [1] @4\nsubckt s (a) [] lib\n  R1 (a 0) [1] @7\n"
      "model d1: .model d1 d is=2\n"},
 };
@@ -120,25 +129,54 @@ struct BadCase {
 
 const BadCase kBadCases[] = {
     {"UnknownLetter", "t\nR1 a b 1k\nU1 a b c\n", {}, "top.cir:3: unknown element letter in U1"},
-    {"TooFewNodes", "t\nR1 a\n+ 1k\n", {}, "top.cir:2: wrong number of nodes for R1 (2 nodes and a value expected)"},
-    {"MosWithoutModel", "t\nM1 d g s b\n", {}, "top.cir:2: wrong number of nodes for M1 (4 nodes and a value expected)"},
-    {"SubcircuitCallWithNothing", "t\nX1\n", {}, "top.cir:2: wrong number of nodes for X1 (nodes and a sub-circuit expected)"},
-    {"PolyWithoutItsNodes", "t\nE1 o 0 poly(2) a 0 b\n", {},
+    {"TooFewNodes",
+     "t\nR1 a\n+ 1k\n",
+     {},
+     "top.cir:2: wrong number of nodes for R1 (2 nodes and a value expected)"},
+    {"MosWithoutModel",
+     "t\nM1 d g s b\n",
+     {},
+     "top.cir:2: wrong number of nodes for M1 (4 nodes and a value expected)"},
+    {"SubcircuitCallWithNothing",
+     "t\nX1\n",
+     {},
+     "top.cir:2: wrong number of nodes for X1 (nodes and a sub-circuit expected)"},
+    {"PolyWithoutItsNodes",
+     "t\nE1 o 0 poly(2) a 0 b\n",
+     {},
      "top.cir:2: wrong number of nodes for E1 (4 controlling nodes expected behind poly(2))"},
     {"UnterminatedSubckt", "t\n.subckt s a b\nR1 a b 1\n", {}, "top.cir:2: .subckt s has no .ends"},
     {"EndsAlone", "t\n.ends\n", {}, "top.cir:2: .ends without .subckt"},
-    {"SubcktTwice", "t\n.subckt s a\n.ends\n.SUBCKT S a\n.ends\n", {}, "top.cir:4: sub-circuit S is defined twice"},
+    {"SubcktTwice",
+     "t\n.subckt s a\n.ends\n.SUBCKT S a\n.ends\n",
+     {},
+     "top.cir:4: sub-circuit S is defined twice"},
     {"CallsItself", "t\n.subckt s a\nX1 a s\n.ends\n", {}, "top.cir:3: sub-circuit s calls itself (s > s)"},
-    {"CallsItselfThroughAnother", "t\nX0 1 s\n.subckt s a\nX1 a t\n.ends\n.subckt t a\nX2 a s\n.ends\n", {},
+    {"CallsItselfThroughAnother",
+     "t\nX0 1 s\n.subckt s a\nX1 a t\n.ends\n.subckt t a\nX2 a s\n.ends\n",
+     {},
      "top.cir:7: sub-circuit s calls itself (s > t > s)"},
     {"UnreadableInclude", "t\n.include missing.inc\n", {}, "top.cir:2: cannot read missing.inc"},
-    {"BadLineInInclude", "t\n.inc parts.inc\n", {{"parts.inc", "R1 a b 1\nZ9 a b\n"}},
+    {"BadLineInInclude",
+     "t\n.inc parts.inc\n",
+     {{"parts.inc", "R1 a b 1\nZ9 a b\n"}},
      "parts.inc:2: unknown element letter in Z9"},
-    {"MissingLibSection", "t\n.lib c.lib ss\n", {{"c.lib", ".lib tt\n.endl\n"}}, "c.lib:0: no .lib section ss"},
-    {"IncludesItself", "t\n.include top.cir\n", {{"top.cir", ".include top.cir\n"}},
+    {"MissingLibSection",
+     "t\n.lib c.lib ss\n",
+     {{"c.lib", ".lib tt\n.endl\n"}},
+     "c.lib:0: no .lib section ss"},
+    {"IncludesItself",
+     "t\n.include top.cir\n",
+     {{"top.cir", ".include top.cir\n"}},
      "top.cir:1: files include each other too deeply"},
-    {"PortCountDiffers", "t\nX1 a b s\n.subckt s a\n.ends\n", {}, "top.cir:2: X1 has 2 nodes, sub-circuit s has 1 ports"},
-    {"SubcktNamedLikeTop", "t\n.subckt TOP a\n.ends\n", {}, "top.cir:2: sub-circuit TOP has the top block's name"},
+    {"PortCountDiffers",
+     "t\nX1 a b s\n.subckt s a\n.ends\n",
+     {},
+     "top.cir:2: X1 has 2 nodes, sub-circuit s has 1 ports"},
+    {"SubcktNamedLikeTop",
+     "t\n.subckt TOP a\n.ends\n",
+     {},
+     "top.cir:2: sub-circuit TOP has the top block's name"},
 };
 
 class SpiceBadInputTest : public ::testing::TestWithParam<BadCase> {};
@@ -170,12 +208,13 @@ TEST(SpiceDesignTest, ElementsBecomeComponentsWithTheirTemplate) {
       "t\nR1 a 0 1k tc1=1m\nM1 d g 0 0 NCH w=1u m=2\nX1 a d lib r=5\nX2 a 0 ext\n"
       ".model nch nmos level=1\n.subckt lib p q params: r=1 c=2\nR1 p q {r}\n.ends\n",
       files);
-  for (const char* fragment :
-       {R"({"label": "R1", "name": "R", "type": 1, "attributes": {"VALUE": "1k", "TC1": "1m"}, "definition": {"PREFIX": "R", "ORDER": "VALUE$ TC1="})",
-        R"("attributes": {"MODEL": "nch", "ARG1": "w=1u", "ARG2": "m=2"}, "definition": {"PREFIX": "M", "ORDER": "MODEL$ ARG1$ ARG2$"})",
-        R"("attributes": {"MODEL": "lib", "R": "5"}, "definition": {"R": "1", "C": "2", "PREFIX": "X", "ORDER": "MODEL$ R="})",
-        R"("attributes": {"MODEL": "ext"}, "definition": {"PREFIX": "X", "ORDER": "MODEL$"})",
-        R"("pins": [{"name": "D", "nets": ["d"]}, {"name": "G", "nets": ["g"]}, {"name": "S", "nets": ["GND"]}, {"name": "B", "nets": ["GND"]}])"})
+  for (
+      const char* fragment :
+      {R"({"label": "R1", "name": "R", "type": 1, "attributes": {"VALUE": "1k", "TC1": "1m"}, "definition": {"PREFIX": "R", "ORDER": "VALUE$ TC1="})",
+       R"("attributes": {"MODEL": "nch", "ARG1": "w=1u", "ARG2": "m=2"}, "definition": {"PREFIX": "M", "ORDER": "MODEL$ ARG1$ ARG2$"})",
+       R"("attributes": {"MODEL": "lib", "R": "5"}, "definition": {"R": "1", "C": "2", "PREFIX": "X", "ORDER": "MODEL$ R="})",
+       R"("attributes": {"MODEL": "ext"}, "definition": {"PREFIX": "X", "ORDER": "MODEL$"})",
+       R"("pins": [{"name": "D", "nets": ["d"]}, {"name": "G", "nets": ["g"]}, {"name": "S", "nets": ["GND"]}, {"name": "B", "nets": ["GND"]}])"})
     EXPECT_NE(json.find(fragment), std::string::npos) << fragment << "\n" << json;
   ASSERT_EQ(files.size(), 3u);
   EXPECT_EQ(files[0].path, "sym/nch.mod");
@@ -188,13 +227,15 @@ TEST(SpiceDesignTest, ElementsBecomeComponentsWithTheirTemplate) {
 
 TEST(SpiceDesignTest, SubcircuitsBecomeBlocksAndInstances) {
   std::vector<vdb::SpiceSideFile> files;
-  std::string json = DesignOf("t\nX1 in GND mid\n.subckt mid A b\nX1 A n leaf\nC1 n 0 1p\n.ends\n"
-                              ".subckt leaf x y\nD1 x y dx\n.model dx d\n.ends\n",
-                              files);
-  for (const char* fragment :
-       {R"({"label": "X1", "name": "mid", "type": 2, "child": "mid", "definition": {"PREFIX": "X", "ORDER": ""}, "pins": [{"name": "A", "nets": ["in"]}, {"name": "b", "nets": ["GND"]}]})",
-        R"({"name": "A", "nets": ["A"]})", R"({"label": "GND", "global": true})",
-        R"("attributes": {"MODEL": "leaf"}, "definition": {"PREFIX": "X", "ORDER": "MODEL$"}, "pins": [{"name": "1", "nets": ["A"]}, {"name": "2", "nets": ["n"]}])"})
+  std::string json = DesignOf(
+      "t\nX1 in GND mid\n.subckt mid A b\nX1 A n leaf\nC1 n 0 1p\n.ends\n"
+      ".subckt leaf x y\nD1 x y dx\n.model dx d\n.ends\n",
+      files);
+  for (
+      const char* fragment :
+      {R"({"label": "X1", "name": "mid", "type": 2, "child": "mid", "definition": {"PREFIX": "X", "ORDER": ""}, "pins": [{"name": "A", "nets": ["in"]}, {"name": "b", "nets": ["GND"]}]})",
+       R"({"name": "A", "nets": ["A"]})", R"({"label": "GND", "global": true})",
+       R"("attributes": {"MODEL": "leaf"}, "definition": {"PREFIX": "X", "ORDER": "MODEL$"}, "pins": [{"name": "1", "nets": ["A"]}, {"name": "2", "nets": ["n"]}])"})
     EXPECT_NE(json.find(fragment), std::string::npos) << fragment << "\n" << json;
   // leaf has a model of its own: a library sub-circuit, not a block.
   EXPECT_EQ(json.find(R"("name": "leaf")"), std::string::npos) << json;
@@ -220,7 +261,8 @@ TEST(SpiceDesignTest, LibraryOrBlock) {
   for (const Case& c : cases) {
     std::vector<vdb::SpiceSideFile> files;
     std::string json = DesignOf(std::string("t\nX1 1 0 s\n") + c.definition, files);
-    EXPECT_EQ(json.find(R"("type": 2, "child": "s")") == std::string::npos, c.library) << c.definition << json;
+    EXPECT_EQ(json.find(R"("type": 2, "child": "s")") == std::string::npos, c.library)
+        << c.definition << json;
     EXPECT_EQ(files.size(), c.library ? 2u : 1u) << c.definition;
   }
 }
@@ -228,7 +270,8 @@ TEST(SpiceDesignTest, LibraryOrBlock) {
 // vesk grounds nets whose label begins with "GND"; other such nodes are labelled in lower case.
 TEST(SpiceDesignTest, GroundAndNodesThatLookLikeIt) {
   std::vector<vdb::SpiceSideFile> files;
-  std::string json = DesignOf("t\nR1 GNDA 0 1\nR2 gnd GND 1\nR3 Gnd2 GNDA 1\n.global vdd\nR4 vdd 0 1\n", files);
+  std::string json =
+      DesignOf("t\nR1 GNDA 0 1\nR2 gnd GND 1\nR3 Gnd2 GNDA 1\n.global vdd\nR4 vdd 0 1\n", files);
   EXPECT_NE(json.find(R"({"label": "vdd", "global": true})"), std::string::npos) << json;
   EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["gnda"]}, {"name": "N", "nets": ["GND"]}])"),
             std::string::npos)
@@ -244,13 +287,15 @@ TEST(SpiceDesignTest, GroundAndNodesThatLookLikeIt) {
 // A library sub-circuit's file carries what it calls and the models they use.
 TEST(SpiceDesignTest, LibraryFileStandsAlone) {
   std::vector<vdb::SpiceSideFile> files;
-  DesignOf("t\nX1 a 0 top2 k=1\n.model dm d\n.subckt top2 p q params: k=0\nX1 p q plain\n.ends\n"
-           ".subckt plain u v\nD1 u v DM\n.ends\n",
-           files);
+  DesignOf(
+      "t\nX1 a 0 top2 k=1\n.model dm d\n.subckt top2 p q params: k=0\nX1 p q plain\n.ends\n"
+      ".subckt plain u v\nD1 u v DM\n.ends\n",
+      files);
   ASSERT_EQ(files.size(), 3u);
   EXPECT_EQ(files[1].path, "sym/top2.mod");
   EXPECT_EQ(files[1].text,
-            ".subckt top2 p q params: k=0\n.model dm d\n.subckt plain u v\nD1 u v DM\n.ends\nX1 p q plain\n.ends\n");
+            ".subckt top2 p q params: k=0\n.model dm d\n.subckt plain u v\nD1 u v DM\n.ends\nX1 p q "
+            "plain\n.ends\n");
 }
 
 // --- the command line -------------------------------------------------------------------
@@ -300,8 +345,10 @@ TEST(SpiceImportToolTest, WarnsWhenTheDeckWouldOverwriteTheNetlist) {
   folder.Write("src/amp.cir", "amp\nR1 1 0 1\n");
   std::string output, errors;
   ASSERT_EQ(folder.Run("import-spice amp.cir", output, errors), 0) << errors;
-  EXPECT_EQ(output, "Wrote database (1 blocks, 1 components)\nWrote AMP.inc\n"
-                    "Warning: vesk writes the deck AMP.cir over the netlist amp.cir; keep the netlist under another name\n");
+  EXPECT_EQ(output,
+            "Wrote database (1 blocks, 1 components)\nWrote AMP.inc\n"
+            "Warning: vesk writes the deck AMP.cir over the netlist amp.cir; keep the netlist under another "
+            "name\n");
   ASSERT_EQ(folder.Run("import-spice src/amp.cir", output, errors), 0) << errors;
   EXPECT_EQ(output.find("Warning"), std::string::npos) << output;
   ASSERT_EQ(folder.Run("import-spice --project src --top Other src/amp.cir", output, errors), 0) << errors;

@@ -70,7 +70,8 @@ std::map<std::string, double> ParsePrinted(const std::string& output) {
     std::istringstream words(line);
     if (!(words >> name >> equals >> value) || equals != "=" || (words >> rest)) continue;
     name = Lower(name);
-    if (name.size() > 3 && name.compare(0, 2, "v(") == 0 && name.back() == ')') name = name.substr(2, name.size() - 3);
+    if (name.size() > 3 && name.compare(0, 2, "v(") == 0 && name.back() == ')')
+      name = name.substr(2, name.size() - 3);
     values[name] = value;
   }
   return values;
@@ -128,8 +129,8 @@ std::string Substitute(std::string text, const std::map<std::string, std::string
 }
 
 std::string Control(const RoundTrip& c, const std::map<std::string, std::string>& nodeOf) {
-  return ".control\nset numdgt=12\nop\nprint all\n" + Substitute(c.analysis, nodeOf) + "\nlet result = " +
-         Substitute(c.result, nodeOf) + "\nprint result\nquit 0\n.endc\n.end\n";
+  return ".control\nset numdgt=12\nop\nprint all\n" + Substitute(c.analysis, nodeOf) +
+         "\nlet result = " + Substitute(c.result, nodeOf) + "\nprint result\nquit 0\n.endc\n.end\n";
 }
 
 // The netlist without its .end, so that the control block can follow.
@@ -153,8 +154,9 @@ class Scratch {
   fs::path path;
 };
 
-std::map<std::string, double> Simulate(const std::string& ngspice, const fs::path& folder, const std::string& file,
-                                       const std::string& behavior, std::string& transcript) {
+std::map<std::string, double> Simulate(const std::string& ngspice, const fs::path& folder,
+                                       const std::string& file, const std::string& behavior,
+                                       std::string& transcript) {
   WriteFile(folder / ".spiceinit", behavior.empty() ? "" : "set ngbehavior=" + behavior + "\n");
   std::string output, errors;
   int rc = RunProgram(ngspice, "-b " + file, folder.string(), {}, output, errors);
@@ -168,8 +170,8 @@ struct Dialect {
   std::string behavior;
 };
 
-const Dialect kDialects[] = {{"-s", ""},        {"-s -h", ""},     {"-s -n", ""},    {"-s -h -n", ""},
-                             {"-p", "psa"},     {"-p -h", "psa"},  {"-m", "hsa"},    {"-m -h", "hsa"}};
+const Dialect kDialects[] = {{"-s", ""},    {"-s -h", ""},    {"-s -n", ""}, {"-s -h -n", ""},
+                             {"-p", "psa"}, {"-p -h", "psa"}, {"-m", "hsa"}, {"-m -h", "hsa"}};
 
 class SpiceRoundTripTest : public ::testing::TestWithParam<RoundTrip> {};
 
@@ -184,9 +186,10 @@ TEST_P(SpiceRoundTripTest, DecksSimulateLikeTheNetlist) {
   fs::create_directories(project / "deck" / "run");
 
   std::string output, errors, transcript;
-  int rc = RunProgram(BinaryDir() + "/vesk-db", "import-spice --project " + project.string() + " --top TOP " +
-                                                    (source / "netlist.cir").string(),
-                      scratch.path.string(), {}, output, errors);
+  int rc = RunProgram(
+      BinaryDir() + "/vesk-db",
+      "import-spice --project " + project.string() + " --top TOP " + (source / "netlist.cir").string(),
+      scratch.path.string(), {}, output, errors);
   ASSERT_EQ(rc, 0) << output << errors;
   ASSERT_NE(output.find("Wrote " + project.string() + "/TOP.inc"), std::string::npos) << output;
 
@@ -223,11 +226,12 @@ TEST_P(SpiceRoundTripTest, DecksSimulateLikeTheNetlist) {
     for (const std::string& node : nodes) {
       ASSERT_TRUE(expected.count(node)) << node << "\n" << transcript;
       ASSERT_TRUE(got.count(nodeOf[node])) << node << " as " << nodeOf[node] << "\n" << transcript;
-      EXPECT_NEAR(got[nodeOf[node]], expected[node], 1e-6 * std::fabs(expected[node]) + 1e-12)
-          << node << "\n" << transcript;
+      EXPECT_NEAR(got[nodeOf[node]], expected[node], 1e-6 * std::fabs(expected[node]) + 1e-12) << node << "\n"
+                                                                                               << transcript;
     }
     ASSERT_TRUE(got.count("result")) << transcript;
-    EXPECT_NEAR(got["result"], expected["result"], 1e-6 * std::fabs(expected["result"]) + 1e-15) << transcript;
+    EXPECT_NEAR(got["result"], expected["result"], 1e-6 * std::fabs(expected["result"]) + 1e-15)
+        << transcript;
   }
 }
 

@@ -221,8 +221,13 @@ class StatementCollector {
       }
       lines.push_back(Statement{line, SpiceOrigin{file, number}, false, false});
     }
-    for (Statement& line : lines) line.text = Trim(line.text);
-    return lines;
+    std::vector<Statement> kept;
+    kept.reserve(lines.size());
+    for (Statement& line : lines) {
+      line.text = Trim(line.text);
+      if (!line.text.empty()) kept.push_back(std::move(line));  // a lone "+" adds nothing
+    }
+    return kept;
   }
 
   const SpiceFileLoader& load_;
@@ -245,7 +250,7 @@ class NetlistBuilder {
       }
     }
     for (const Statement& s : statements) {
-      if (!Statement1(s)) return false;
+      if (!Take(s)) return false;
     }
     if (!open_.empty()) {
       const SpiceSubckt& sub = n_.subckts[open_.back()];
@@ -265,7 +270,7 @@ class NetlistBuilder {
     for (size_t index : open_) n_.subckts[index].text.push_back(text);
   }
 
-  bool Statement1(const Statement& s) {
+  bool Take(const Statement& s) {
     if (s.control) {
       if (!open_.empty()) return Fail(s.origin, ".control inside a .subckt");
       n_.header.push_back(s.text);
@@ -346,20 +351,32 @@ class NetlistBuilder {
   // How many nodes an element of this letter has; -1 for a letter ngspice does not read here.
   int NodeCount(char letter, const std::vector<std::string>& w) const {
     switch (letter) {
-      case 'R': case 'C': case 'L': case 'V': case 'I': case 'F': case 'H': case 'D': case 'B': case 'W':
+      case 'R':
+      case 'C':
+      case 'L':
+      case 'V':
+      case 'I':
+      case 'F':
+      case 'H':
+      case 'D':
+      case 'B':
+      case 'W':
         return 2;
       case 'K':
         return 0;
       case 'J':
         return 3;
-      case 'M': case 'S': case 'T':
+      case 'M':
+      case 'S':
+      case 'T':
         return 4;
-      case 'E': case 'G': {
+      case 'E':
+      case 'G': {
         // The behavioural forms (POLY, VALUE=, VOL=, CUR=, TABLE) have one pair of nodes.
         if (w.size() > 3) {
           std::string third = Lower(w[3]);
-          if (third.rfind("poly", 0) == 0 || third.find('=') != std::string::npos || third.rfind("value", 0) == 0 ||
-              third.rfind("table", 0) == 0)
+          if (third.rfind("poly", 0) == 0 || third.find('=') != std::string::npos ||
+              third.rfind("value", 0) == 0 || third.rfind("table", 0) == 0)
             return 2;
         }
         return 4;
@@ -390,7 +407,8 @@ class NetlistBuilder {
     // Every element has at least one word behind its nodes, but a source of 0 V.
     size_t needed = static_cast<size_t>(std::max(nodes, 0)) + (letter == 'V' || letter == 'I' ? 1 : 2);
     if (nodes < 0 || w.size() < needed) {
-      std::string expected = letter == 'X' ? "nodes and a sub-circuit" : std::to_string(nodes) + " nodes and a value";
+      std::string expected =
+          letter == 'X' ? "nodes and a sub-circuit" : std::to_string(nodes) + " nodes and a value";
       return Fail(s.origin, "wrong number of nodes for " + w[0] + " (" + expected + " expected)");
     }
     element.name = w[0];

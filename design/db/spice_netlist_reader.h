@@ -30,8 +30,8 @@ struct SpiceSubckt {
   std::vector<std::string> ports;
   std::vector<std::string> params;  // "k=v" words of the .subckt line
   std::vector<SpiceElement> elements;
-  std::vector<std::string> text;  // the statements of the definition, .subckt to .ends, as read
-  bool fromLibrary = false;       // read from a .lib section
+  std::vector<std::string> text;    // the statements of the definition, .subckt to .ends, as read
+  bool fromLibrary = false;         // read from a .lib section
   bool hasLocalStatements = false;  // .param, .model or .func inside
   SpiceOrigin origin;
 };

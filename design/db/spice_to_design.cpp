@@ -35,11 +35,48 @@ std::string Where(const SpiceOrigin& at) { return at.file + ":" + std::to_string
 
 // Keys that vesk reads for itself, and the parameters whose plain numbers it scales by U or P.
 bool KeyNeedsWholeWord(const std::string& key) {
-  static const std::unordered_set<std::string> kKeys = {
-      "ORDER", "PREFIX", "MODEL", "VALUE", "DCVAL", "ACMAG", "DISTRIBUTION", "PROBE", "GENERATOR",
-      "COMPOSITE_ORDER", "EXCLUDE", "LEVEL", "NO_PINS", "PINORDER", "REFDES", "SIMMODEL", "M", "L", "W", "S",
-      "D", "LP", "PL", "WP", "PW", "LN", "NL", "WN", "NW", "PSN", "PDN", "NPS", "NPD", "PSP", "PDP", "AS",
-      "AD", "ADP", "AND", "ASP", "ASN", "PARAMS:"};
+  static const std::unordered_set<std::string> kKeys = {"ORDER",
+                                                        "PREFIX",
+                                                        "MODEL",
+                                                        "VALUE",
+                                                        "DCVAL",
+                                                        "ACMAG",
+                                                        "DISTRIBUTION",
+                                                        "PROBE",
+                                                        "GENERATOR",
+                                                        "COMPOSITE_ORDER",
+                                                        "EXCLUDE",
+                                                        "LEVEL",
+                                                        "NO_PINS",
+                                                        "PINORDER",
+                                                        "REFDES",
+                                                        "SIMMODEL",
+                                                        "M",
+                                                        "L",
+                                                        "W",
+                                                        "S",
+                                                        "D",
+                                                        "LP",
+                                                        "PL",
+                                                        "WP",
+                                                        "PW",
+                                                        "LN",
+                                                        "NL",
+                                                        "WN",
+                                                        "NW",
+                                                        "PSN",
+                                                        "PDN",
+                                                        "NPS",
+                                                        "NPD",
+                                                        "PSP",
+                                                        "PDP",
+                                                        "AS",
+                                                        "AD",
+                                                        "ADP",
+                                                        "AND",
+                                                        "ASP",
+                                                        "ASN",
+                                                        "PARAMS:"};
   if (kKeys.count(key) || key.compare(0, 12, "SPICE_PARAM_") == 0 || key.empty()) return true;
   if (!std::isalpha(static_cast<unsigned char>(key[0]))) return true;
   for (char c : key)
@@ -49,12 +86,17 @@ bool KeyNeedsWholeWord(const std::string& key) {
 
 // Pin names by letter, for the nodes in their order.
 std::string PinName(char letter, size_t index, size_t count) {
-  static const std::unordered_map<char, std::vector<const char*>> kPins = {
-      {'D', {"A", "K"}},           {'Q', {"C", "B", "E", "S"}},       {'J', {"D", "G", "S"}},
-      {'M', {"D", "G", "S", "B"}}, {'E', {"P", "N", "CP", "CN"}},     {'G', {"P", "N", "CP", "CN"}},
-      {'S', {"P", "N", "CP", "CN"}}, {'T', {"P1", "N1", "P2", "N2"}}};
+  static const std::unordered_map<char, std::vector<const char*>> kPins = {{'D', {"A", "K"}},
+                                                                           {'Q', {"C", "B", "E", "S"}},
+                                                                           {'J', {"D", "G", "S"}},
+                                                                           {'M', {"D", "G", "S", "B"}},
+                                                                           {'E', {"P", "N", "CP", "CN"}},
+                                                                           {'G', {"P", "N", "CP", "CN"}},
+                                                                           {'S', {"P", "N", "CP", "CN"}},
+                                                                           {'T', {"P1", "N1", "P2", "N2"}}};
   auto found = kPins.find(letter);
-  if (letter != 'X' && count == 2 && (found == kPins.end() || letter == 'E' || letter == 'G' || letter == 'S'))
+  if (letter != 'X' && count == 2 &&
+      (found == kPins.end() || letter == 'E' || letter == 'G' || letter == 'S'))
     return index == 0 ? "P" : "N";
   if (found != kPins.end() && index < found->second.size()) return found->second[index];
   return std::to_string(index + 1);
@@ -62,7 +104,8 @@ std::string PinName(char letter, size_t index, size_t count) {
 
 class Converter {
  public:
-  Converter(const SpiceNetlist& netlist, Design& design, std::vector<SpiceSideFile>& files, std::string& error)
+  Converter(const SpiceNetlist& netlist, Design& design, std::vector<SpiceSideFile>& files,
+            std::string& error)
       : n_(netlist), builder_(design), files_(files), error_(error) {}
 
   bool Run(const std::string& topName) {
@@ -95,7 +138,8 @@ class Converter {
 
   // The sub-circuit an X element calls, or npos when the netlist does not define it.
   size_t Callee(const SpiceElement& e) const {
-    if (std::toupper(static_cast<unsigned char>(e.name[0])) != 'X' || e.words.empty()) return std::string::npos;
+    if (std::toupper(static_cast<unsigned char>(e.name[0])) != 'X' || e.words.empty())
+      return std::string::npos;
     auto found = subOfName_.find(Lower(e.words[0]));
     return found == subOfName_.end() ? std::string::npos : found->second;
   }
@@ -208,8 +252,9 @@ class Converter {
     comp.attributes.clear();
     comp.definition.clear();
     for (size_t i = 0; i < e.nodes.size(); ++i) {
-      std::string pin = hierarchical && i < n_.subckts[callee].ports.size() ? n_.subckts[callee].ports[i]
-                                                                            : PinName(letter, i, e.nodes.size());
+      std::string pin = hierarchical && i < n_.subckts[callee].ports.size()
+                            ? n_.subckts[callee].ports[i]
+                            : PinName(letter, i, e.nodes.size());
       comp.pins.emplace_back(std::move(pin), NetLabel(e.nodes[i]));
     }
     std::string order;
@@ -228,7 +273,8 @@ class Converter {
     } else {
       if (letter == 'X') {
         // The sub-circuit is the model: the deck includes sym/<name>.mod when the netlist has it.
-        comp.attributes.emplace_back("MODEL", callee == std::string::npos ? e.words[0] : n_.subckts[callee].name);
+        comp.attributes.emplace_back("MODEL",
+                                     callee == std::string::npos ? e.words[0] : n_.subckts[callee].name);
         order = "MODEL$";
         if (callee != std::string::npos) DefaultsOf(n_.subckts[callee], comp.definition);
         Body(e, 1, comp.attributes, order);
@@ -263,7 +309,8 @@ class Converter {
     for (const std::string& word : sub.params) {
       size_t eq = word.find('=');
       std::string key = Upper(word.substr(0, eq));
-      if (!KeyNeedsWholeWord(key) && !HasKey(definition, key)) definition.emplace_back(key, word.substr(eq + 1));
+      if (!KeyNeedsWholeWord(key) && !HasKey(definition, key))
+        definition.emplace_back(key, word.substr(eq + 1));
     }
   }
 
@@ -308,7 +355,8 @@ class Converter {
 
   // sym/<model>.mod for each .model card and each library sub-circuit, and <top>.inc.
   void WriteSideFiles(const std::string& topName) {
-    for (const SpiceModelCard& card : n_.models) files_.push_back({"sym/" + card.name + ".mod", card.text + "\n"});
+    for (const SpiceModelCard& card : n_.models)
+      files_.push_back({"sym/" + card.name + ".mod", card.text + "\n"});
     for (size_t i = 0; i < n_.subckts.size(); ++i) {
       if (library_[i]) files_.push_back({"sym/" + n_.subckts[i].name + ".mod", LibraryText(i)});
     }

@@ -102,7 +102,9 @@ void WarnOfDeckOverNetlist(const std::string& file, const std::string& project, 
   std::string name = netlist.filename().string(), deck = top + ".cir";
   if (name.size() != deck.size()) return;
   for (size_t i = 0; i < name.size(); ++i)
-    if (std::tolower(static_cast<unsigned char>(name[i])) != std::tolower(static_cast<unsigned char>(deck[i]))) return;
+    if (std::tolower(static_cast<unsigned char>(name[i])) !=
+        std::tolower(static_cast<unsigned char>(deck[i])))
+      return;
   std::cout << "Warning: vesk writes the deck " << deck << " over the netlist " << file
             << "; keep the netlist under another name\n";
 }

@@ -12,6 +12,7 @@
 #include "design/db/spice_to_design.h"
 
 #include <cctype>
+#include <sstream>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -35,48 +36,15 @@ std::string Where(const SpiceOrigin& at) { return at.file + ":" + std::to_string
 
 // Keys that vesk reads for itself, and the parameters whose plain numbers it scales by U or P.
 bool KeyNeedsWholeWord(const std::string& key) {
-  static const std::unordered_set<std::string> kKeys = {"ORDER",
-                                                        "PREFIX",
-                                                        "MODEL",
-                                                        "VALUE",
-                                                        "DCVAL",
-                                                        "ACMAG",
-                                                        "DISTRIBUTION",
-                                                        "PROBE",
-                                                        "GENERATOR",
-                                                        "COMPOSITE_ORDER",
-                                                        "EXCLUDE",
-                                                        "LEVEL",
-                                                        "NO_PINS",
-                                                        "PINORDER",
-                                                        "REFDES",
-                                                        "SIMMODEL",
-                                                        "M",
-                                                        "L",
-                                                        "W",
-                                                        "S",
-                                                        "D",
-                                                        "LP",
-                                                        "PL",
-                                                        "WP",
-                                                        "PW",
-                                                        "LN",
-                                                        "NL",
-                                                        "WN",
-                                                        "NW",
-                                                        "PSN",
-                                                        "PDN",
-                                                        "NPS",
-                                                        "NPD",
-                                                        "PSP",
-                                                        "PDP",
-                                                        "AS",
-                                                        "AD",
-                                                        "ADP",
-                                                        "AND",
-                                                        "ASP",
-                                                        "ASN",
-                                                        "PARAMS:"};
+  static const std::unordered_set<std::string> kKeys = [] {
+    std::istringstream words(
+        "ORDER PREFIX MODEL VALUE DCVAL ACMAG DISTRIBUTION PROBE GENERATOR COMPOSITE_ORDER EXCLUDE LEVEL "
+        "NO_PINS PINORDER REFDES SIMMODEL PARAMS: "
+        "M L W S D LP PL WP PW LN NL WN NW PSN PDN NPS NPD PSP PDP AS AD ADP AND ASP ASN");
+    std::unordered_set<std::string> keys;
+    for (std::string word; words >> word;) keys.insert(word);
+    return keys;
+  }();
   if (kKeys.count(key) || key.compare(0, 12, "SPICE_PARAM_") == 0 || key.empty()) return true;
   if (!std::isalpha(static_cast<unsigned char>(key[0]))) return true;
   for (char c : key)
@@ -225,10 +193,8 @@ class Converter {
     for (size_t i = 0; i < elements.size(); ++i) {
       if (!Component(elements[i], comp)) return false;
       if (!builder_.AddComponentFields(block, i, comp)) return BuilderFailed();
-      ++components_;
     }
     if (!builder_.EndBlock(block, Json::object({{"name", name}}))) return BuilderFailed();
-    ++blocks_;
     return true;
   }
 
@@ -404,9 +370,6 @@ class Converter {
   std::vector<bool> library_;
   std::unordered_map<std::string, std::string> netOfNode_;
   size_t blockIndex_ = 0, netCount_ = 0;
-
- public:
-  size_t blocks_ = 0, components_ = 0;
 };
 
 }  // namespace

@@ -10,6 +10,10 @@
 #include "model/kelpo_gen.h"
 #include "model/model_mapping.h"
 
+#ifndef VESK_VERSION
+#define VESK_VERSION "0.0"
+#endif
+
 namespace {
 
 // One run of the flavour `Flavour`; returns the exit code.
@@ -33,6 +37,11 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
 }
 
 int RunAll(int argc, const char* const* argv) {
+  // The one long switch: the classic ones are single letters behind one "-".
+  if (argc == 2 && std::string(argv[1]) == "--version") {
+    std::cout << "vesk " << VESK_VERSION << std::endl;
+    return 0;
+  }
   CSpiceGen options;
   if (CSpiceGen::CheckHelp(argc, argv) == 1) return 0;
   const char* groupArgument = nullptr;

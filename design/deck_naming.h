@@ -19,10 +19,8 @@ class DeckNaming {
   virtual std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table) const = 0;
   /// `name` cut down to what the deck's simulator accepts.
   virtual std::string LegalName(const WireOptions& options, const std::string& name) const = 0;
-  /// The name under which net `name` stands in the block's node table, with its node text
-  /// entered when the deck names nodes while the block loads.
-  virtual std::string EnterNet(const WireOptions& options, const std::string& name, bool global,
-                               NodeTable& table) const = 0;
+  /// The one node text of a global net other than ground, in every block.
+  virtual std::string GlobalNodeName(const WireOptions& options, const std::string& label) const = 0;
   /// The component's instance name in the deck, unique among those given out; "" for none.
   virtual std::string DeckName(const SpiceComp& comp, const WireOptions& options) const = 0;
 };

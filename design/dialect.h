@@ -51,7 +51,7 @@ struct Dialect {
   NameRule nameRule = NameRule::kPspice;
   /// The nodes of named nets are set while the block loads (node names on, not Berkeley).
   bool namesNetsAtLoad = false;
-  /// "$G_" ahead of the name of a global net (Pspice with node names).
+  /// "$G_" ahead of the node of a global net other than ground (Pspice).
   bool globalNetMark = true;
   /// HDL models are mapped while the design loads, and their instances are "Y" lines (Kelpo).
   bool hdlModels = false;

@@ -14,6 +14,10 @@ using NodeTable = std::unordered_map<std::string, std::string>;
 /// Key of a hierarchical instance occurrence to its pin list "pin,node;pin,node;".
 using PinNodeTable = std::unordered_map<std::string, std::string>;
 
+/// Whether a net of this name is ground: its label begins with "GND"; in a flat deck also
+/// the last part of a flat name ("X1\\GND").
+bool IsGroundName(const WireOptions& options, const std::string& name);
+
 /// The pin-node table key of a hierarchical instance occurrence: its Index numbers and
 /// the hierarchical name of its own path.
 std::string PinNodeKey(const Tessel::IComp& instance);

@@ -172,15 +172,20 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
     path->GetIterComps(compIter);
   else
     block->GetIterComps(compIter, Tessel::eCompAll);
+  // A block can place a hundred thousand components: the list is sized once, and each
+  // component is loaded where it stays.
+  size_t count = 0;
+  for (Tessel::IteratorT<const Tessel::IComp> counter = compIter; counter->IsValid(); counter++) ++count;
+  comps.reserve(comps.size() + count);
   for (; compIter->IsValid(); compIter++) {
     Tessel::BitContainerT<Tessel::ECompType, 1> type;
     compIter->GetType(type);
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
-    SpiceComp comp;
+    SpiceComp& comp = comps.emplace_back();
     comp.uidManager = uidManager;
-    comp.Load(compIter, options, instancePath, netAliases, modelMapper, *naming);
-    comps.push_back(std::move(comp));
+    comp.Load(compIter, options, instancePath, netAliases, modelMapper, *naming, &gatheredAttributes);
   }
+  gatheredAttributes = GatheredAttributesCache();
 }
 
 void SpiceBlock::ScanPorts() {
@@ -189,7 +194,13 @@ void SpiceBlock::ScanPorts() {
   for (; it->IsValid(); it++) {
     SpiceNet port(it, netAliases);
     if (port.IsConnected()) {
-      for (const SpiceNet& member : port.Members()) naming->NodeName(options, member.name, nodeMap);
+      for (const SpiceNet& member : port.Members()) {
+        // A global net on a port keeps its one name and takes no number.
+        if (member.isGlobal && !IsGroundName(options, member.label))
+          nodeMap[member.name] = GlobalNode(member.label);
+        else
+          naming->NodeName(options, member.name, nodeMap);
+      }
     } else if (!port.Signal().empty()) {
       naming->NodeName(options, port.Signal(), nodeMap);
     } else {
@@ -227,7 +238,11 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   if (lb.compare(0, 3, "GND") == 0) nodeMap[lb] = "0";
   if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
     nodeMap[n] = naming->LegalName(options, node);
-  n = naming->EnterNet(options, n, net.isGlobal, nodeMap);
+  if (net.isGlobal && !IsGroundName(options, lb)) {
+    nodeMap[n] = GlobalNode(lb);
+  } else if (options.dialect.namesNetsAtLoad) {
+    if (Peek(nodeMap, n).empty()) nodeMap[n] = naming->LegalName(options, n);
+  }
   if (tables) tables->netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
 
   const std::string& probe = attribute("PROBE");
@@ -244,6 +259,12 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
     std::string& global = tables->globalNets[lb];
     if (global.empty()) global = Peek(nodeMap, n);
   }
+}
+
+const std::string& SpiceBlock::GlobalNode(const std::string& label) {
+  std::string& global = tables->globalNets[label];
+  if (global.empty()) global = naming->GlobalNodeName(options, label);
+  return global;
 }
 
 void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp) {
@@ -274,5 +295,9 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
   SpiceComp flat;
   flat.LoadFlat(comp, options, *naming, *pinNodes, &gatheredAttributes);
+  // A global net that only sub-blocks hold has its one name in the flat deck too.
+  for (const PinEntry& pin : flat.PinNets())
+    if (pin.net.IsGlobal() && pin.net.Name() == pin.net.Label() && !IsGroundName(options, pin.net.Label()))
+      nodeMap[pin.net.Name()] = GlobalNode(pin.net.Label());
   comps.push_back(std::move(flat));
 }

@@ -105,10 +105,11 @@ using ModelMapper = void (*)(SpiceComp& comp);
 class SpiceComp {
  public:
   /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
-  /// `aliases` are the shunt aliases of the block; `mapper` (may be null) maps HDL models.
+  /// `aliases` are the shunt aliases of the block; `mapper` (may be null) maps HDL models;
+  /// `gathered` keeps the attributes of each attribute-list pair for the next component.
   void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
             const std::string& instancePath, const NetAliasTable& aliases, ModelMapper mapper,
-            const DeckNaming& naming);
+            const DeckNaming& naming, GatheredAttributesCache* gathered = nullptr);
   /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
   /// `gathered` (may be null) keeps the attributes of each list already read.
   void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,

@@ -19,8 +19,9 @@ struct BlockWalk {
   NewestFirstList analysisKeywords;
 
   // Of the component being written:
-  std::string lineBody;           // the body its ORDER template expands to
-  bool modelRegistered = false;   // its model is entered for the model includes
-  bool voltageProbeHere = false;  // it is a voltage probe: only a marker line is written
-  bool generatorHere = false;     // it is a generator: its statement comes behind the block
+  std::string lineBody;            // the body its ORDER template expands to
+  bool modelRegistered = false;    // its model is entered for the model includes
+  bool voltageProbeHere = false;   // it is a voltage probe: only a marker line is written
+  bool generatorHere = false;      // it is a generator: its statement comes behind the block
+  bool calledNameWritten = false;  // its X line already names its sub-circuit
 };

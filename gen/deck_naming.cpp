@@ -32,13 +32,6 @@ bool ChoosePrefix(const SpiceComp& comp, const WireOptions& options, std::string
   return comp.kind != kStoppedInstance;
 }
 
-const std::string kNoNode;
-
-const std::string& Peek(const NodeTable& table, const std::string& key) {
-  auto it = table.find(key);
-  return it == table.end() ? kNoNode : it->second;
-}
-
 class SpiceNaming final : public DeckNaming {
  public:
   std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table) const override {
@@ -47,13 +40,8 @@ class SpiceNaming final : public DeckNaming {
   std::string LegalName(const WireOptions& options, const std::string& name) const override {
     return LegalizeName(options, name);
   }
-  std::string EnterNet(const WireOptions& options, const std::string& name, bool global,
-                       NodeTable& table) const override {
-    if (!options.dialect.namesNetsAtLoad) return name;
-    std::string entered = name;
-    if (options.dialect.globalNetMark && global && Peek(table, entered).empty()) entered = "$G_" + entered;
-    if (Peek(table, entered).empty()) table[entered] = LegalizeName(options, entered);
-    return entered;
+  std::string GlobalNodeName(const WireOptions& options, const std::string& label) const override {
+    return ::GlobalNodeName(options, label);
   }
   std::string DeckName(const SpiceComp& comp, const WireOptions& options) const override {
     std::string text;

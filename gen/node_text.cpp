@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "expr/text.h"
+#include "gen/dialect_of.h"
 
 namespace {
 
@@ -109,7 +110,7 @@ std::string NodeName(WireOptions& options, const std::string& name, NodeTable& t
   if (name.empty()) return InventNode(options.inventedNodes, table);
   // One lookup finds the entry or makes its place.
   std::string& node = table.try_emplace(name).first->second;
-  if (name.compare(0, 3, "GND") == 0) node = "0";
+  if (IsGroundName(options, name)) node = "0";
   if (node.empty())
     node = options.useNodeNames ? LegalizeName(options, name) : std::to_string(++options.nextNodeNumber);
   return node;
@@ -127,6 +128,17 @@ std::string LegalizeName(const WireOptions& options, const std::string& name) {
   if (filter.result.size() > static_cast<size_t>(options.maxNameChars))
     filter.result.resize(options.maxNameChars);
   return filter.result;
+}
+
+std::string GlobalNodeName(const WireOptions& options, const std::string& label) {
+  // Named as under -n whatever the deck's own choice, so that every definition, and every
+  // model that names the net, meets the same node.
+  // Pspice reads "$G_" in front of a node as global.
+  WireOptions named = options;
+  named.useNodeNames = true;
+  named.dialect = DialectOf(named);  // the legal-name rule of Berkeley decks changes with -n
+  std::string legal = LegalizeName(named, label);
+  return options.dialect.globalNetMark ? "$G_" + legal : legal;
 }
 
 std::string UniqueName(UsedNames& used, std::string name) {

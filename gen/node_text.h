@@ -16,6 +16,10 @@ std::string NodeName(WireOptions& options, const std::string& name, NodeTable& t
 /// Filters `name` to the characters the chosen simulator accepts, cut to maxNameChars.
 std::string LegalizeName(const WireOptions& options, const std::string& name);
 
+/// The one node text of a global net other than ground, in every block and deck: the
+/// legal name of its label as under -n, with "$G_" in front in a Pspice deck.
+std::string GlobalNodeName(const WireOptions& options, const std::string& label);
+
 /// Returns `name`, or its first character with a counter behind it when the name is
 /// taken in options.usedNames; records the result.
 std::string UniqueName(WireOptions& options, std::string name);

@@ -28,6 +28,16 @@
 #include "post/spice_config.h"
 
 class SpiceReader;
+
+/// Exit statuses of the program. A run that writes its deck ends with 0 whatever the design's
+/// warnings; a run that cannot write one says why, so that a script can tell the cases apart.
+enum ExitStatus {
+  kExitDeckWritten = 0,
+  kExitBadConfiguration = 1,
+  kExitNoGroupGiven = 2,
+  kExitNoDatabase = 3,
+  kExitNoGroup = 4,
+};
 struct SpiceSubckt;
 
 class CSpiceGen {
@@ -53,6 +63,7 @@ class CSpiceGen {
   int ReadConfigFile();
 
   // ---- run/load_project.cpp ----
+  /// True when the design was loaded; otherwise `loadFailure` says why, as an exit status.
   bool LoadProject(std::string group, SpiceProject& project, WireOptions options);
 
   // ---- gen/spice_gen.cpp: frame of a run ----
@@ -69,7 +80,7 @@ class CSpiceGen {
   /// Sets `circuitPath`, which the passes read, and sends `out` to `deck`.
   void OpenWirelist(SpiceProject& project, std::ostream& deck);
   void BeginBlock(SpiceBlock& block);
-  /// The component loop of a block: stops at a component without attributes.
+  /// The component loop of a block, a line for every component.
   void WriteComponents(SpiceBlock& block);
   /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
   void WriteDefinitionBody(SpiceBlock& block, const char* endText);
@@ -115,6 +126,12 @@ class CSpiceGen {
                          std::set<std::string>& files);
   /// The include line (or .model card) of one model file, or the warning that it is missing.
   void WriteModelInclude(const std::string& path);
+  /// The folder of the deck, relative to the working folder ("" for the working folder).
+  std::string DeckFolder() const;
+  /// How the deck names a file the simulator opens, given relative to the project folder:
+  /// under PATHS WINDOWS the classic text `classicPrefix` + `projectPath`, otherwise the path
+  /// from the deck's own folder with "/".
+  std::string SimulatorPath(const std::string& projectPath, const std::string& classicPrefix) const;
 
   // ---- gen/probes.cpp: probe collection and the generator's statements ----
   int CollectProbe(SpiceComp& comp);
@@ -155,6 +172,7 @@ class CSpiceGen {
   std::map<std::string, std::string> modelFiles;
   std::map<std::string, std::string> netUidMap;
   int32_t uniqueCounter = 0;
+  int loadFailure = kExitDeckWritten;  // set by LoadProject
   bool groundSeen = false;
 };
 

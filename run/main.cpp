@@ -12,6 +12,10 @@
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
 
+#ifndef VESK_VERSION
+#define VESK_VERSION "0.0"
+#endif
+
 namespace {
 
 // One run of the flavour `Flavour`; returns the exit code.
@@ -20,9 +24,9 @@ int RunFlavour(const WireOptions& options, const std::string& group) {
   Flavour gen(options);
   auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
-  if (!gen.LoadProject(group, *project, options)) return 0;
+  if (!gen.LoadProject(group, *project, options)) return gen.loadFailure;
   project->ReleaseWalkState();
-  if (gen.ReadConfigFile() != 0) return 1;
+  if (gen.ReadConfigFile() != 0) return kExitBadConfiguration;
   gen.OpenCrossReference(group);
   // The deck's file is opened here and handed to the generator, which writes it whole.
   const std::string path = gen.CircuitPathOf(*project);
@@ -36,10 +40,15 @@ int RunFlavour(const WireOptions& options, const std::string& group) {
   project.reset();
   gen.ProbeProcess();
   gen.PostProcess();
-  return 0;
+  return kExitDeckWritten;
 }
 
 int RunAll(int argc, const char* const* argv) {
+  // The one long switch: the classic ones are single letters behind one "-".
+  if (argc == 2 && std::string(argv[1]) == "--version") {
+    std::cout << "vesk " << VESK_VERSION << std::endl;
+    return 0;
+  }
   // The command line and the ini file fill the options, and the options the dialect.
   CSpiceGen parser;
   if (CSpiceGen::CheckHelp(argc, argv) == 1) return 0;
@@ -47,7 +56,7 @@ int RunAll(int argc, const char* const* argv) {
   parser.ParseArguments(&groupArgument, argc, argv);
   if (!groupArgument) {
     std::cout << "Database Required" << std::endl;
-    return 0;
+    return kExitNoGroupGiven;
   }
   std::string group = groupArgument;
   WireOptions options = parser.options;

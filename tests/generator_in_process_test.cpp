@@ -11,7 +11,6 @@
 #include "gen/dialect_of.h"
 #include "gen/flavours.h"
 #include "post/post_process.h"
-#include "tests/deck_expect.h"
 #include "tests/deck_harness.h"
 
 namespace {
@@ -35,9 +34,9 @@ class WorkingFolder {
 };
 
 TEST(GeneratorInProcess, WritesTheDeckToTheStreamHandedIn) {
-  const std::string design = deckexpect::TopDesign(
-      R"({ "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
-           "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] })");
+  const std::string design = R"({ "blocks": [ { "name": "TOP", "components": [
+      { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K" }, "definition": { "ORDER": "VALUE$" },
+        "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] } ] } ] })";
   VeskRun run = RunVesk(design, "TOP");
   ASSERT_EQ(run.rc, 0) << run.output;
 

@@ -7,16 +7,13 @@
 #include <cstdlib>
 #include <unordered_set>
 
+#include "expr/text.h"
+
 namespace vdb {
 
 namespace {
 
 constexpr int kMaxIncludeDepth = 32;
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v'; }
 
@@ -48,7 +45,7 @@ std::string StripInlineComment(const std::string& line) {
 std::string Keyword(const std::string& text) {
   size_t end = 0;
   while (end < text.size() && !IsBlank(text[end])) ++end;
-  return Lower(text.substr(0, end));
+  return LowerText(text.substr(0, end));
 }
 
 std::string Folder(const std::string& file) {
@@ -124,7 +121,7 @@ class StatementCollector {
   bool Collect(const std::string& text, const std::string& file, bool isMain, const std::string& section,
                bool library, int depth) {
     std::vector<Statement> lines = LogicalLines(text, file, isMain);
-    std::string active = Lower(section);
+    std::string active = LowerText(section);
     bool inSection = active.empty(), skipping = false;
     for (Statement& line : lines) {
       line.library = library;
@@ -140,7 +137,7 @@ class StatementCollector {
       std::vector<std::string> words = SplitSpiceWords(line.text);
       if ((key == ".lib" || key == ".library") && words.size() == 2) {
         // A section's own head: the wanted one is read, the others are passed over.
-        if (!active.empty() && Lower(words[1]) == active) {
+        if (!active.empty() && LowerText(words[1]) == active) {
           inSection = true;
         } else {
           skipping = true;
@@ -246,7 +243,7 @@ class NetlistBuilder {
       if (key == ".model") {
         std::vector<std::string> words = SplitSpiceWords(s.text);
         if (words.size() < 3) return Fail(s.origin, ".model needs a name and a type");
-        modelNames_.insert(Lower(words[1]));
+        modelNames_.insert(LowerText(words[1]));
       }
     }
     for (const Statement& s : statements) {
@@ -329,7 +326,7 @@ class NetlistBuilder {
     sub.fromLibrary = s.library;
     bool params = false;
     for (size_t i = 2; i < words.size(); ++i) {
-      std::string lower = Lower(words[i]);
+      std::string lower = LowerText(words[i]);
       if (lower == "params:") {
         params = true;
       } else if (params || words[i].find('=') != std::string::npos) {
@@ -339,7 +336,7 @@ class NetlistBuilder {
         sub.ports.push_back(words[i]);
       }
     }
-    if (!subcktNames_.insert(Lower(sub.name)).second)
+    if (!subcktNames_.insert(LowerText(sub.name)).second)
       return Fail(s.origin, "sub-circuit " + sub.name + " is defined twice");
     AddText(s.text);
     n_.subckts.push_back(std::move(sub));
@@ -374,7 +371,7 @@ class NetlistBuilder {
       case 'G': {
         // The behavioural forms (POLY, VALUE=, VOL=, CUR=, TABLE) have one pair of nodes.
         if (w.size() > 3) {
-          std::string third = Lower(w[3]);
+          std::string third = LowerText(w[3]);
           if (third.rfind("poly", 0) == 0 || third.find('=') != std::string::npos ||
               third.rfind("value", 0) == 0 || third.rfind("table", 0) == 0)
             return 2;
@@ -383,11 +380,11 @@ class NetlistBuilder {
       }
       case 'Q':
         // A fourth node (the substrate) is there when the fourth word is no model.
-        return w.size() > 5 && !modelNames_.count(Lower(w[4])) && modelNames_.count(Lower(w[5])) ? 4 : 3;
+        return w.size() > 5 && !modelNames_.count(LowerText(w[4])) && modelNames_.count(LowerText(w[5])) ? 4 : 3;
       case 'X': {
         size_t last = w.size();
         for (size_t i = 1; i < w.size(); ++i) {
-          if (w[i].find('=') != std::string::npos || Lower(w[i]) == "params:") {
+          if (w[i].find('=') != std::string::npos || LowerText(w[i]) == "params:") {
             last = i;
             break;
           }
@@ -421,7 +418,7 @@ class NetlistBuilder {
 
   // POLY(n) of a voltage-controlled source is followed by n pairs of controlling nodes.
   bool ReadPolyNodes(const Statement& s, SpiceElement& element) {
-    std::string poly = Lower(element.words[0]);
+    std::string poly = LowerText(element.words[0]);
     if (poly.compare(0, 5, "poly(") != 0) return true;
     int dimensions = std::atoi(poly.c_str() + 5);
     size_t count = dimensions > 0 ? 2 * static_cast<size_t>(dimensions) : 0;

@@ -17,20 +17,11 @@
 #include <unordered_set>
 
 #include "design/db/design_builder.h"
+#include "expr/text.h"
 
 namespace vdb {
 
 namespace {
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
-std::string Upper(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
 
 std::string Where(const SpiceOrigin& at) { return at.file + ":" + std::to_string(at.line); }
 
@@ -77,16 +68,16 @@ class Converter {
       : n_(netlist), builder_(design), files_(files), error_(error) {}
 
   bool Run(const std::string& topName) {
-    for (size_t i = 0; i < n_.subckts.size(); ++i) subOfName_.emplace(Lower(n_.subckts[i].name), i);
-    for (const SpiceModelCard& card : n_.models) modelOfName_.emplace(Lower(card.name), card.name);
-    for (const std::string& node : n_.globals) globals_.insert(Lower(node));
+    for (size_t i = 0; i < n_.subckts.size(); ++i) subOfName_.emplace(LowerText(n_.subckts[i].name), i);
+    for (const SpiceModelCard& card : n_.models) modelOfName_.emplace(LowerText(card.name), card.name);
+    for (const std::string& node : n_.globals) globals_.insert(LowerText(node));
     if (!CheckCalls()) return false;
     ChooseLibraries();
     size_t block = 0;
     if (!AddBlock(block++, topName, {}, n_.topElements)) return false;
     for (size_t i = 0; i < n_.subckts.size(); ++i) {
       if (library_[i]) continue;
-      if (Lower(n_.subckts[i].name) == Lower(topName))
+      if (LowerText(n_.subckts[i].name) == LowerText(topName))
         return Fail(n_.subckts[i].origin, "sub-circuit " + n_.subckts[i].name + " has the top block's name");
       if (!AddBlock(block++, n_.subckts[i].name, n_.subckts[i].ports, n_.subckts[i].elements)) return false;
     }
@@ -108,7 +99,7 @@ class Converter {
   size_t Callee(const SpiceElement& e) const {
     if (std::toupper(static_cast<unsigned char>(e.name[0])) != 'X' || e.words.empty())
       return std::string::npos;
-    auto found = subOfName_.find(Lower(e.words[0]));
+    auto found = subOfName_.find(LowerText(e.words[0]));
     return found == subOfName_.end() ? std::string::npos : found->second;
   }
 
@@ -166,7 +157,7 @@ class Converter {
 
   // The net label of a node in the block in work: the first spelling; 0 and gnd are ground.
   std::string NetLabel(const std::string& node) {
-    std::string lower = Lower(node);
+    std::string lower = LowerText(node);
     bool ground = lower == "0" || lower == "gnd";
     // vesk grounds every net whose name begins with "GND": another such node is labelled in
     // lower case, the same node to a simulator.
@@ -274,7 +265,7 @@ class Converter {
   static void DefaultsOf(const SpiceSubckt& sub, TextPairs& definition) {
     for (const std::string& word : sub.params) {
       size_t eq = word.find('=');
-      std::string key = Upper(word.substr(0, eq));
+      std::string key = UpperText(word.substr(0, eq));
       if (!KeyNeedsWholeWord(key) && !HasKey(definition, key))
         definition.emplace_back(key, word.substr(eq + 1));
     }
@@ -288,18 +279,18 @@ class Converter {
     int args = 0;
     for (size_t i = first; i < e.words.size(); ++i) {
       const std::string& word = e.words[i];
-      if (Lower(word) == "params:") continue;
+      if (LowerText(word) == "params:") continue;
       size_t eq = word.find('=');
       std::string name;
       if (eq != std::string::npos && eq > 0) {
-        std::string key = Upper(word.substr(0, eq));
+        std::string key = UpperText(word.substr(0, eq));
         if (!KeyNeedsWholeWord(key) && !HasKey(attrs, key) && eq + 1 < word.size()) {
           attrs.emplace_back(key, word.substr(eq + 1));
           order += (order.empty() ? "" : " ") + key + "=";
           continue;
         }
       } else {
-        auto model = modelOfName_.find(Lower(word));
+        auto model = modelOfName_.find(LowerText(word));
         if (!haveModel && (model != modelOfName_.end() || (modelFirst && !haveValue))) {
           // A model is written under the spelling of its card, the name of its file.
           attrs.emplace_back("MODEL", model != modelOfName_.end() ? model->second : word);
@@ -343,17 +334,17 @@ class Converter {
         size_t callee = Callee(e);
         if (callee != std::string::npos && seen.insert(callee).second) callees.push_back(callee);
         for (const std::string& word : e.words)
-          if (modelOfName_.count(Lower(word))) models.insert(Lower(word));
+          if (modelOfName_.count(LowerText(word))) models.insert(LowerText(word));
       }
     }
     const std::vector<std::string>& text = n_.subckts[sub].text;
-    for (const std::string& line : text) own.insert(Lower(line));
+    for (const std::string& line : text) own.insert(LowerText(line));
     std::string out = text[0] + "\n";
     for (const SpiceModelCard& card : n_.models)
-      if (models.count(Lower(card.name))) out += card.text + "\n";
+      if (models.count(LowerText(card.name))) out += card.text + "\n";
     for (size_t callee : callees) {
       // Definitions nested in this one are in its text already.
-      if (own.count(Lower(n_.subckts[callee].text[0]))) continue;
+      if (own.count(LowerText(n_.subckts[callee].text[0]))) continue;
       for (const std::string& line : n_.subckts[callee].text) out += line + "\n";
     }
     for (size_t i = 1; i < text.size(); ++i) out += text[i] + "\n";

@@ -380,7 +380,8 @@ class NetlistBuilder {
       }
       case 'Q':
         // A fourth node (the substrate) is there when the fourth word is no model.
-        return w.size() > 5 && !modelNames_.count(LowerText(w[4])) && modelNames_.count(LowerText(w[5])) ? 4 : 3;
+        return w.size() > 5 && !modelNames_.count(LowerText(w[4])) && modelNames_.count(LowerText(w[5])) ? 4
+                                                                                                         : 3;
       case 'X': {
         size_t last = w.size();
         for (size_t i = 1; i < w.size(); ++i) {

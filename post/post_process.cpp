@@ -230,8 +230,8 @@ std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSett
   std::string tail;
   const std::string& instance = settings.currentInstance;
   if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
-    tail =
-        LoadInstanceParameters(instance, lastWord, result, settings.internalNames, settings.currentInstance);
+    tail = LoadInstanceParameters(instance, lastWord, result, settings.internalNames,
+                                  settings.currentInstance, settings.parameterFiles);
   }
   line.swap(result);
   return tail;

@@ -95,9 +95,15 @@ void AppendParameterWord(std::string& result, const std::string& word, bool& nee
     needsParams = false;
     if (options.dracula || options.wirelistKind == kHspice) return;
   }
+  if (word.find('=') == std::string::npos) {
+    result += word;
+    result += ' ';
+    return;
+  }
   KeyValue split = SplitKeyValue(word);
-  if (!split.hasEquals || split.value.empty()) {
-    result += word + " ";
+  if (split.value.empty()) {
+    result += word;
+    result += ' ';
     return;
   }
   if (config.stripTransSize) return;
@@ -247,12 +253,25 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
   }
   std::string result;
   result.reserve(line.size() + 16);
-  for (std::string& word : WordsWithEnd(line)) {
-    if (dracula) DraculaWord(word, settings);
-    if (!settings.options.hdlSpiceSources) QuoteValue(word, settings);
-    result += word;
-    result += ' ';
+  const bool quoting = !settings.options.hdlSpiceSources;
+  // Quoting sets the dialect's quotes first, whatever the word; a word without "=" is then
+  // left as it is, so only the others are copied and rewritten. Dracula words take the
+  // whole way, in the order of rewrite then quoting.
+  if (quoting && !dracula && settings.Kind() == kPspice) {
+    settings.config.quoteOpen = kPspiceQuoteOpen;
+    settings.config.quoteClose = kPspiceQuoteClose;
   }
+  ForEachWordWithEnd(line, [&](std::string_view view) {
+    if (dracula || (quoting && view.find('=') != std::string_view::npos)) {
+      std::string word(view);
+      if (dracula) DraculaWord(word, settings);
+      if (quoting) QuoteValue(word, settings);
+      result += word;
+    } else {
+      result += view;
+    }
+    result += ' ';
+  });
   line.swap(result);
 }
 

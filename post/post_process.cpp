@@ -86,7 +86,7 @@ void AppendSplitWidthLength(std::string& result, const KeyValue& word, const Pos
 }
 
 // One word of RewriteParameterWords, appended to `result` with its blank unless dropped.
-void AppendParameterWord(std::string& result, const std::string& word, bool& needsParams,
+void AppendParameterWord(std::string& result, std::string_view word, bool& needsParams,
                          const PostSettings& settings) {
   const WireOptions& options = settings.options;
   const SpiceConfig& config = settings.config;
@@ -95,12 +95,12 @@ void AppendParameterWord(std::string& result, const std::string& word, bool& nee
     needsParams = false;
     if (options.dracula || options.wirelistKind == kHspice) return;
   }
-  if (word.find('=') == std::string::npos) {
+  if (word.find('=') == std::string_view::npos) {
     result += word;
     result += ' ';
     return;
   }
-  KeyValue split = SplitKeyValue(word);
+  KeyValue split = SplitKeyValue(std::string(word));
   if (split.value.empty()) {
     result += word;
     result += ' ';
@@ -115,7 +115,8 @@ void AppendParameterWord(std::string& result, const std::string& word, bool& nee
     AppendSplitWidthLength(result, split, settings);
     return;
   }
-  result += word + " ";
+  result += word;
+  result += ' ';
 }
 
 // The line loop. It works one line behind its reading: a line is rewritten once the
@@ -225,18 +226,18 @@ void ReadStripWords(SpiceConfig& config) {
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
   std::string result;
   result.reserve(line.size() + 16);
-  std::string lastWord;
+  std::string_view lastWord;
   bool first = true;
-  for (const std::string& word : WordsWithEnd(line)) {
+  ForEachWordWithEnd(line, [&](std::string_view word) {
     if (first && settings.currentInstance.empty()) settings.currentInstance = word;
     first = false;
     if (!word.empty()) lastWord = word;
     AppendParameterWord(result, word, needsParams, settings);
-  }
+  });
   std::string tail;
   const std::string& instance = settings.currentInstance;
   if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
-    tail = LoadInstanceParameters(instance, lastWord, result, settings.internalNames,
+    tail = LoadInstanceParameters(instance, std::string(lastWord), result, settings.internalNames,
                                   settings.currentInstance, settings.parameterFiles);
   }
   line.swap(result);

@@ -52,6 +52,7 @@ class SpiceBlock {
   std::map<std::string, std::string> initialConditions;
   std::map<std::string, std::string> guesses;
   int32_t nextNode = 0;
+  size_t netCount = 0;  // nets of the block: the generator sizes its node table from it
 
   // Load-only state, not carried by copies.
   WireOptions options;
@@ -67,4 +68,3 @@ class SpiceBlock {
   void ScanNet(const SpiceNet& net, const std::string& rawBlockName);
   void CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath);
 };
-

@@ -45,6 +45,9 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
   // Each block is written once: its table moves here instead of being copied.
   nodes = std::move(block.NodeMap());
   block.NodeMap().clear();
+  // Most nets get their node while the pins are written: room for all of them at once
+  // instead of a rehash at every doubling. The order of the table shows nowhere.
+  nodes.reserve(block.netCount);
   for (const auto& [key, value] : nameMap) {
     std::string node = nodes[value];
     nodes[key] = node;

@@ -212,7 +212,13 @@ void SpiceBlock::ScanPorts() {
   for (; it->IsValid(); it++) {
     SpiceNet port(it);
     if (port.IsConnected()) {
-      for (const SpiceNet& member : port.Members()) NodeName(options, member.name, nodeMap);
+      for (const SpiceNet& member : port.Members()) {
+        // A global net on a port keeps its one name and takes no number.
+        if (member.isGlobal && !IsGroundName(options, member.label))
+          nodeMap[member.name] = GlobalNode(member.label);
+        else
+          NodeName(options, member.name, nodeMap);
+      }
     } else if (!port.Signal().empty()) {
       NodeName(options, port.Signal(), nodeMap);
     } else {
@@ -253,8 +259,9 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
     nodeMap[n] = LegalizeName(options, node);
   int32_t kind = options.wirelistKind;
-  if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
-    if (kind == kPspice && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
+  if (net.isGlobal && !IsGroundName(options, lb)) {
+    nodeMap[n] = GlobalNode(lb);
+  } else if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
     if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
   }
   netDictionary[rawBlockName + "/" + Lower(Peek(nodeMap, n))] = net.InternalName();
@@ -273,6 +280,12 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
     std::string& global = globalNets[lb];
     if (global.empty()) global = Peek(nodeMap, n);
   }
+}
+
+const std::string& SpiceBlock::GlobalNode(const std::string& label) {
+  std::string& global = globalNets[label];
+  if (global.empty()) global = GlobalNodeName(options, label);
+  return global;
 }
 
 void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp) {
@@ -303,5 +316,9 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
   SpiceComp flat;
   flat.LoadFlat(comp, options, *pinNodes, &gatheredAttributes);
+  // A global net that only sub-blocks hold has its one name in the flat deck too.
+  for (const PinEntry& pin : flat.PinNets())
+    if (pin.net.IsGlobal() && pin.net.Name() == pin.net.Label() && !IsGroundName(options, pin.net.Label()))
+      nodeMap[pin.net.Name()] = GlobalNode(pin.net.Label());
   comps.push_back(std::move(flat));
 }

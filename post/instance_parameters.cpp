@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "design/platform.h"
+#include "design/section_head.h"
 
 namespace {
 
@@ -29,12 +30,21 @@ void ForEachLine(std::string_view text, Take take) {
 
 bool Holds(std::string_view line, std::string_view part) { return line.find(part) != std::string_view::npos; }
 
-// Replaces the last blank-separated word of `line` by `replacement`.
-void ReplaceLastWord(std::string& line, const std::string& replacement) {
+// Replaces the model word of an instance line, its last whole blank-separated occurrence of
+// `model` (parameters behind it keep their place), by `replacement`. A line that does not hold
+// the word gets the replacement behind one blank.
+void ReplaceModelWord(std::string& line, const std::string& model, const std::string& replacement) {
   size_t end = line.find_last_not_of(" \t\r\n");
   line.erase(end == std::string::npos ? 0 : end + 1);
-  size_t blank = line.rfind(' ');
-  if (blank != std::string::npos) line.erase(blank);
+  for (size_t pos = line.rfind(model); pos != std::string::npos && !model.empty();
+       pos = pos == 0 ? std::string::npos : line.rfind(model, pos - 1)) {
+    const size_t after = pos + model.size();
+    const bool whole = (pos == 0 || line[pos - 1] == ' ' || line[pos - 1] == '\t') &&
+                       (after == line.size() || line[after] == ' ' || line[after] == '\t');
+    if (!whole) continue;
+    line.replace(pos, model.size(), replacement);
+    return;
+  }
   line += ' ';
   line += replacement;
 }
@@ -83,7 +93,7 @@ bool ParameterSection(std::string_view contents, std::string modelName, std::str
   bool inSection = false, kept = false;
   ForEachLine(contents, [&](std::string_view line) {
     if (line.empty()) return true;
-    if (line[0] == '*' && Holds(line, modelName) && Holds(line, internalName)) {
+    if (IsSectionHead(std::string(line), modelName, internalName)) {
       inSection = true;
     } else if (inSection && Holds(line, "*end")) {
       inSection = false;
@@ -100,6 +110,7 @@ bool ParameterSection(std::string_view contents, std::string modelName, std::str
 std::string LoadInstanceParameters(std::string instanceName, const std::string& modelName, std::string& line,
                                    const std::unordered_map<std::string, std::string>& internalNames,
                                    std::string& currentInstance, ParameterFileCache& cache) {
+  if (modelName.empty()) return std::string();
   // A deck places the same model many times: each model's files are looked for and read once.
   auto [entry, added] = cache.try_emplace(modelName);
   ParameterFiles& files = entry->second;
@@ -119,6 +130,7 @@ std::string LoadInstanceParameters(std::string instanceName, const std::string& 
   bool fromSection = files.param.read && ParameterSection(files.param.text, modelName, internalName, result);
   if (!fromSection) result.clear();
   std::string replacement;
-  if (ReadParFile(files.par, fromSection, replacement, result)) ReplaceLastWord(line, replacement);
+  if (ReadParFile(files.par, fromSection, replacement, result))
+    ReplaceModelWord(line, modelName, replacement);
   return result;
 }

@@ -10,6 +10,10 @@
 #include "model/kelpo_gen.h"
 #include "model/model_mapping.h"
 
+#ifndef VESK_VERSION
+#define VESK_VERSION "0.0"
+#endif
+
 namespace {
 
 // One run of the flavour `Flavour`; returns the exit code.
@@ -18,9 +22,9 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   Flavour gen(options);
   auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
-  if (!gen.LoadProject(group, *project, options)) return 0;
+  if (!gen.LoadProject(group, *project, options)) return gen.loadFailure;
   project->ReleaseWalkState();
-  if (gen.ReadConfigFile() != 0) return 1;
+  if (gen.ReadConfigFile() != 0) return kExitBadConfiguration;
   gen.OpenCrossReference(group);
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
@@ -29,17 +33,22 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   project.reset();
   gen.ProbeProcess();
   gen.PostProcess();
-  return 0;
+  return kExitDeckWritten;
 }
 
 int RunAll(int argc, const char* const* argv) {
+  // The one long switch: the classic ones are single letters behind one "-".
+  if (argc == 2 && std::string(argv[1]) == "--version") {
+    std::cout << "vesk " << VESK_VERSION << std::endl;
+    return 0;
+  }
   CSpiceGen options;
   if (CSpiceGen::CheckHelp(argc, argv) == 1) return 0;
   const char* groupArgument = nullptr;
   options.ParseArguments(&groupArgument, argc, argv);
   if (!groupArgument) {
     std::cout << "Database Required" << std::endl;
-    return 0;
+    return kExitNoGroupGiven;
   }
   std::string group = groupArgument;
   switch (options.wirelistKind) {

@@ -167,6 +167,47 @@ bool DesignBuilder::AddComponent(const std::string& at, const Json& item) {
   return true;
 }
 
+uint32_t DesignBuilder::InternPairs(const TextPairs& pairs) {
+  std::vector<uint32_t> ids;
+  ids.reserve(2 * pairs.size());
+  for (const auto& [key, value] : pairs) {
+    ids.push_back(d_.strings.Intern(key));
+    ids.push_back(d_.strings.Intern(value));
+  }
+  return d_.attrs.Intern(ids);
+}
+
+bool DesignBuilder::AddComponentFields(size_t block, size_t index, const ComponentFields& fields) {
+  OpenBlock(block);
+  if (index >= kMaxPerBlock)
+    return Fail(Indexed("blocks[" + std::to_string(block) + "]", "components", index),
+                "too many objects of one kind in one block");
+  CompRec c;
+  c.block = static_cast<uint32_t>(d_.blocks.size() - 1);
+  c.label = d_.strings.Intern(fields.label);
+  c.name = d_.strings.Intern(fields.name);
+  c.type = fields.type;
+  c.instAttrs = InternPairs(fields.attributes);
+  c.ownDefinition = 1;
+  c.defAttrs = InternPairs(fields.definition);
+  c.pinsBegin = static_cast<uint32_t>(d_.pins.size());
+  for (const auto& [name, net] : fields.pins) {
+    PinRec pin;
+    pin.name = d_.strings.Intern(name);
+    pin.netsBegin = static_cast<uint32_t>(d_.links.size());
+    pin.netsCount = 1;
+    pin.connected = 1;
+    d_.links.push_back(d_.strings.Intern(net));
+    d_.pins.push_back(pin);
+  }
+  c.pinsCount = static_cast<uint32_t>(d_.pins.size() - c.pinsBegin);
+  d_.comps.push_back(c);
+  d_.blocks.back().compsEnd = static_cast<uint32_t>(d_.comps.size());
+  compChild_.push_back(fields.child.empty() ? kNone : d_.strings.Intern(fields.child));
+  compGroup_.push_back(kNone);
+  return true;
+}
+
 bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width,
                               uint32_t& begin, uint32_t& count, uint8_t& connected) {
   uint32_t net = kNone;

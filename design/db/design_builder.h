@@ -16,6 +16,18 @@ using Json = nlohmann::ordered_json;
 
 enum class ItemKind { kComponent, kNet, kPort };
 
+using TextPairs = std::vector<std::pair<std::string, std::string>>;
+
+/// A component given field by field rather than as a JSON object, for readers of other formats
+/// that build many components: the same record as AddItem makes of the equal object, with its
+/// `definition` given, each pin on one net.
+struct ComponentFields {
+  std::string label, name, child;  // child "": no child block
+  uint32_t type = 1;
+  TextPairs attributes, definition;
+  TextPairs pins;  // pin name, net label
+};
+
 /// Receives a description in document order: the items of each block, then the block itself
 /// (with its item lists emptied), then the root (with `blocks` emptied). Every call returns false
 /// on bad input, with Error() saying "WHERE: WHAT".
@@ -24,6 +36,7 @@ class DesignBuilder {
   explicit DesignBuilder(Design& design) : d_(design) {}
 
   bool AddItem(size_t block, ItemKind kind, size_t index, const Json& item);
+  bool AddComponentFields(size_t block, size_t index, const ComponentFields& fields);
   bool EndBlock(size_t block, const Json& value);
   bool EndRoot(const Json& root);
   /// Resolves names across the document; `snapshot` (when not empty) overrides the description's.
@@ -41,6 +54,7 @@ class DesignBuilder {
   bool ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
                  uint32_t& count, uint8_t& connected);
   bool ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list);
+  uint32_t InternPairs(const TextPairs& pairs);
   bool ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName, int32_t& number,
                           uint8_t& hasNumber);
   void ResolveBlockLinks(size_t block);

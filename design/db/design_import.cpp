@@ -10,6 +10,7 @@
 #include "design/db/design_store.h"
 #include "design/db/json_reader.h"
 #include "design/db/json_writer.h"
+#include "design/db/spice_to_design.h"
 #include "design/platform.h"
 
 namespace {
@@ -70,5 +71,27 @@ bool ExportDesign(const std::string& projectDir, std::string& jsonText, std::str
     return false;
   }
   jsonText = vdb::WriteDescription(design);
+  return true;
+}
+
+bool ImportSpiceDesign(const std::string& text, const std::string& fileName, const std::string& projectDir,
+                       const std::string& topName, std::string& written, std::string& error) {
+  vdb::Design design;
+  std::vector<vdb::SpiceSideFile> files;
+  auto load = [](const std::string& path, std::string& contents) { return ReadWholeFile(path, contents); };
+  if (!vdb::DesignFromSpiceText(text, fileName, load, topName, design, files, error)) return false;
+  std::string folder = DatabaseFolder(projectDir);
+  if (!StoreDesign(design, folder, error)) return false;
+  written += "Wrote " + folder + " (" + std::to_string(design.blocks.size()) + " blocks, " +
+             std::to_string(design.comps.size()) + " components)\n";
+  std::string base = projectDir.empty() ? "" : projectDir + "/";
+  for (const vdb::SpiceSideFile& file : files) {
+    if (file.path.rfind("sym/", 0) == 0) MakeFolder(base + "sym");
+    if (!ReplaceFile(base + file.path, file.text)) {
+      error = "(files): cannot write " + base + file.path;
+      return false;
+    }
+    written += "Wrote " + base + file.path + "\n";
+  }
   return true;
 }

@@ -11,3 +11,10 @@ bool ImportDesign(const std::string& jsonText, const std::string& projectDir, st
 
 /// The description of <projectDir>/database as JSON text; false + error when it cannot be read.
 bool ExportDesign(const std::string& projectDir, std::string& jsonText, std::string& error);
+
+/// Builds <projectDir>/database from a SPICE netlist (text, read from `fileName`), with the top block
+/// named `topName`, then writes the model files and the header beside it. Adds one line to `written`
+/// for each file written. On bad input returns false with "FILE:LINE: WHAT" in `error`, and the old
+/// database and side files are left as they were.
+bool ImportSpiceDesign(const std::string& text, const std::string& fileName, const std::string& projectDir,
+                       const std::string& topName, std::string& written, std::string& error);

@@ -10,8 +10,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -103,11 +101,18 @@ void MakeFolder(const std::string& path) {
 }
 
 bool ReadWholeFile(const std::string& path, std::string& text) {
-  std::ifstream in(FileSystemPath(path), std::ios::binary);
-  if (!in) return false;
-  std::ostringstream buffer;
-  buffer << in.rdbuf();
-  text = buffer.str();
+  std::FILE* file = std::fopen(FileSystemPath(path).c_str(), "rb");
+  if (!file) return false;
+  // Read straight into the text, sized from the file: a deck can be tens of megabytes.
+  text.clear();
+  struct stat info;
+  if (::fstat(::fileno(file), &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
+    text.resize(static_cast<size_t>(info.st_size));
+    text.resize(std::fread(&text[0], 1, text.size(), file));
+  }
+  char block[1 << 16];  // what a growing or special file holds beyond its stated size
+  for (size_t got; (got = std::fread(block, 1, sizeof block, file)) > 0;) text.append(block, got);
+  std::fclose(file);
   return true;
 }
 

@@ -109,7 +109,8 @@ SpiceBlock::SpiceBlock(const SpiceBlock& other)
       nodesets(other.nodesets),
       initialConditions(other.initialConditions),
       guesses(other.guesses),
-      nextNode(other.nextNode) {}
+      nextNode(other.nextNode),
+      netCount(other.netCount) {}
 
 SpiceBlock& SpiceBlock::operator=(const SpiceBlock& other) {
   if (this == &other) return *this;
@@ -123,6 +124,7 @@ SpiceBlock& SpiceBlock::operator=(const SpiceBlock& other) {
   initialConditions = other.initialConditions;
   guesses = other.guesses;
   nextNode = other.nextNode;
+  netCount = other.netCount;
   return *this;
 }
 
@@ -218,11 +220,13 @@ void SpiceBlock::ScanNets() {
   block->GetName(rawName);
   Tessel::IteratorT<const Tessel::INet> it;
   block->GetIterNets(it);
+  netCount = 0;
   for (; it->IsValid(); it++) {
     SpiceNet net(it, netAliases, false);
     net.uidManager = uidManager;
     net.FormInternalName(it);
     ScanNet(net, rawName.str());
+    ++netCount;
   }
 }
 

@@ -62,6 +62,7 @@ class SpiceBlock {
   std::map<std::string, std::string> initialConditions;
   std::map<std::string, std::string> guesses;
   int32_t nextNode = 0;
+  size_t netCount = 0;  // nets of the block: the generator sizes its node table from it
 
   // Load-only state, not carried by copies.
   WireOptions options;

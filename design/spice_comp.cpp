@@ -276,6 +276,7 @@ void SpiceComp::ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const
 
 void SpiceComp::LoadPins(const Tessel::IComp& comp, const NetAliasTable& aliases) {
   comp.GetPinsCount(pinCount);
+  if (pinCount > 0) pinNets.reserve(static_cast<size_t>(pinCount));
   bool hdl = IsHdlModel();
   const std::string& modelPins = ModelPinList();
   Tessel::IteratorT<const Tessel::IPin> pins;

@@ -79,6 +79,9 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
   // Each block is written once: its table moves here instead of being copied.
   walk.nodes = std::move(block.NodeMap());
   block.NodeMap().clear();
+  // Most nets get their node while the pins are written: room for all of them at once
+  // instead of a rehash at every doubling. The order of the table shows nowhere.
+  walk.nodes.reserve(block.netCount);
   for (const auto& [key, value] : config.nameMap) {
     std::string node = walk.nodes[value];
     walk.nodes[key] = node;

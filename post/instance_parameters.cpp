@@ -48,9 +48,10 @@ void ReplaceModelWord(std::string& line, const std::string& model, const std::st
 
 // The .par file: its first line names the replacement model (behind the first "*");
 // the other lines go into `result` unless `firstOnly`. False when there is no first line.
-bool ReadParFile(const std::string& fileName, bool firstOnly, std::string& replacement, std::string& result) {
-  std::string text;
-  if (!ReadWholeFile(fileName, text) || text.empty()) return false;
+bool ReadParFile(const ParameterFiles::File& file, bool firstOnly, std::string& replacement,
+                 std::string& result) {
+  const std::string& text = file.text;
+  if (!file.read || text.empty()) return false;
   bool first = true;
   ForEachLine(text, [&](std::string_view line) {
     if (first) {
@@ -66,14 +67,26 @@ bool ReadParFile(const std::string& fileName, bool firstOnly, std::string& repla
   return true;
 }
 
+// Reads a file once: whether it is there, and its text.
+ParameterFiles::File ReadOnce(const std::string& fileName, bool wanted) {
+  ParameterFiles::File file;
+  file.read = wanted && ReadWholeFile(fileName, file.text);
+  return file;
+}
+
 }  // namespace
 
 bool ReadParameterSection(const std::string& fileName, std::string modelName, std::string internalName,
                           std::string& text) {
-  modelName = LowerText(modelName);
-  internalName = LowerText(internalName);
   std::string contents;
   if (!ReadWholeFile(fileName, contents)) return false;
+  return ParameterSection(contents, std::move(modelName), std::move(internalName), text);
+}
+
+bool ParameterSection(std::string_view contents, std::string modelName, std::string internalName,
+                      std::string& text) {
+  modelName = LowerText(modelName);
+  internalName = LowerText(internalName);
   bool inSection = false, kept = false;
   ForEachLine(contents, [&](std::string_view line) {
     if (line.empty()) return true;
@@ -93,19 +106,28 @@ bool ReadParameterSection(const std::string& fileName, std::string modelName, st
 
 std::string LoadInstanceParameters(std::string instanceName, const std::string& modelName, std::string& line,
                                    const std::unordered_map<std::string, std::string>& internalNames,
-                                   std::string& currentInstance) {
+                                   std::string& currentInstance, ParameterFileCache& cache) {
   if (modelName.empty()) return std::string();
-  const std::string parFile = "sym\\" + modelName + ".par";
-  const std::string paramFile = "sym\\" + modelName + "-param.txt";
-  if (!FileExists(parFile) && !FileExists(paramFile)) return std::string();
+  // A deck places the same model many times: each model's files are looked for and read once.
+  auto [entry, added] = cache.try_emplace(modelName);
+  ParameterFiles& files = entry->second;
+  if (added) {
+    const std::string parFile = "sym\\" + modelName + ".par";
+    const std::string paramFile = "sym\\" + modelName + "-param.txt";
+    files.any = FileExists(parFile) || FileExists(paramFile);
+    files.par = ReadOnce(parFile, files.any);
+    files.param = ReadOnce(paramFile, files.any);
+  }
+  if (!files.any) return std::string();
   instanceName = LowerText(instanceName);
   currentInstance.clear();
   auto found = internalNames.find(instanceName);
   const std::string internalName = found == internalNames.end() ? std::string() : found->second;
   std::string result;
-  bool fromSection = ReadParameterSection(paramFile, modelName, internalName, result);
+  bool fromSection = files.param.read && ParameterSection(files.param.text, modelName, internalName, result);
   if (!fromSection) result.clear();
   std::string replacement;
-  if (ReadParFile(parFile, fromSection, replacement, result)) ReplaceModelWord(line, modelName, replacement);
+  if (ReadParFile(files.par, fromSection, replacement, result))
+    ReplaceModelWord(line, modelName, replacement);
   return result;
 }

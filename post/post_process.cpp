@@ -87,7 +87,7 @@ void AppendSplitWidthLength(std::string& result, const KeyValue& word, const Pos
 }
 
 // One word of RewriteParameterWords, appended to `result` with its blank unless dropped.
-void AppendParameterWord(std::string& result, const std::string& word, bool& needsParams,
+void AppendParameterWord(std::string& result, std::string_view word, bool& needsParams,
                          const PostSettings& settings) {
   const Dialect& dialect = settings.options.dialect;
   const SpiceConfig& config = settings.config;
@@ -96,9 +96,15 @@ void AppendParameterWord(std::string& result, const std::string& word, bool& nee
     needsParams = false;
     if (dialect.dropsParamsKeyword) return;
   }
-  KeyValue split = SplitKeyValue(word);
-  if (!split.hasEquals || split.value.empty()) {
-    result += word + " ";
+  if (word.find('=') == std::string_view::npos) {
+    result += word;
+    result += ' ';
+    return;
+  }
+  KeyValue split = SplitKeyValue(std::string(word));
+  if (split.value.empty()) {
+    result += word;
+    result += ' ';
     return;
   }
   if (config.stripTransSize) return;
@@ -110,7 +116,8 @@ void AppendParameterWord(std::string& result, const std::string& word, bool& nee
     AppendSplitWidthLength(result, split, settings);
     return;
   }
-  result += word + " ";
+  result += word;
+  result += ' ';
 }
 
 // The line loop. It works one line behind its reading: a line is rewritten once the
@@ -221,17 +228,17 @@ std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSett
   std::string result;
   result.reserve(line.size() + 16);
   bool first = true;
-  for (const std::string& word : WordsWithEnd(line)) {
+  ForEachWordWithEnd(line, [&](std::string_view word) {
     if (first && settings.currentInstance.empty()) settings.currentInstance = word;
     first = false;
     AppendParameterWord(result, word, needsParams, settings);
-  }
+  });
   std::string tail;
   const std::string& instance = settings.currentInstance;
   if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
     // The model of an instance is the sub-circuit it calls, ahead of any parameters.
     tail = LoadInstanceParameters(instance, CalledSubckt(result), result, settings.internalNames,
-                                  settings.currentInstance);
+                                  settings.currentInstance, settings.parameterFiles);
   }
   line.swap(result);
   return tail;
@@ -247,12 +254,25 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
   }
   std::string result;
   result.reserve(line.size() + 16);
-  for (std::string& word : WordsWithEnd(line)) {
-    if (dracula) DraculaWord(word, settings);
-    if (!settings.options.dialect.hdlSources) QuoteValue(word, settings);
-    result += word;
-    result += ' ';
+  const bool quoting = !settings.options.dialect.hdlSources;
+  // Quoting sets the dialect's quotes first, whatever the word; a word without "=" is then
+  // left as it is, so only the others are copied and rewritten. Dracula words take the
+  // whole way, in the order of rewrite then quoting.
+  if (quoting && !dracula && settings.options.dialect.pspiceQuotesAlways) {
+    settings.config.quoteOpen = kPspiceQuoteOpen;
+    settings.config.quoteClose = kPspiceQuoteClose;
   }
+  ForEachWordWithEnd(line, [&](std::string_view view) {
+    if (dracula || (quoting && view.find('=') != std::string_view::npos)) {
+      std::string word(view);
+      if (dracula) DraculaWord(word, settings);
+      if (quoting) QuoteValue(word, settings);
+      result += word;
+    } else {
+      result += view;
+    }
+    result += ' ';
+  });
   line.swap(result);
 }
 

@@ -10,6 +10,7 @@
 
 #include "design/wire_options.h"
 #include "expr/value_class.h"
+#include "post/instance_parameters.h"
 #include "post/spice_config.h"
 
 struct PostSettings {
@@ -19,6 +20,8 @@ struct PostSettings {
   const std::unordered_map<std::string, std::string>& internalNames;
   /// First word of the X, .MACRO or .SUBCKT statement in work.
   std::string& currentInstance;
+  /// The parameter files of the models that instance lines name, read once a pass.
+  ParameterFileCache parameterFiles{};
 
   UnitRules Units() const { return UnitRules{&config.uParNames, &config.pParNames, config.stripUnits}; }
 };

@@ -52,7 +52,7 @@ void CutAtComment(std::string& line) {
   if (cut != std::string::npos) line.erase(cut);
 }
 
-bool IsParamsWord(const std::string& word) {
+bool IsParamsWord(std::string_view word) {
   if (word.size() != 7) return false;
   static const char kParams[] = "PARAMS:";
   for (size_t i = 0; i < 7; ++i)
@@ -92,18 +92,29 @@ class LineReader {
 }  // namespace
 
 std::string CalledSubckt(const std::string& line) {
-  std::vector<std::string> words = SplitWords(line);
-  size_t stop = 1;
-  while (stop < words.size()) {
-    const std::string& word = words[stop];
-    if (word[0] == '=') {
-      --stop;  // the word ahead of "=value" is the parameter's name
-      break;
+  // Walks the words as views (every X line of a deck comes here, in both passes), keeping
+  // the two words behind the one in hand. The name is the last word ahead of the first
+  // parameter; the first word, the instance, is never one.
+  std::string_view older, previous;
+  size_t index = 0, pos = 0;
+  while (true) {
+    while (pos < line.size() && IsBlank(line[pos])) ++pos;
+    if (pos >= line.size()) break;
+    size_t end = pos;
+    while (end < line.size() && !IsBlank(line[end])) ++end;
+    const std::string_view word(line.data() + pos, end - pos);
+    pos = end;
+    if (index >= 1) {
+      // "name =value": the word ahead of "=value" is the parameter's name.
+      if (word[0] == '=') return index >= 3 ? std::string(older) : std::string();
+      if (word.find('=') != std::string_view::npos || IsParamsWord(word))
+        return index >= 2 ? std::string(previous) : std::string();
     }
-    if (word.find('=') != std::string::npos || IsParamsWord(word)) break;
-    ++stop;
+    older = previous;
+    previous = word;
+    ++index;
   }
-  return stop >= 2 ? words[stop - 1] : std::string();
+  return index >= 2 ? std::string(previous) : std::string();
 }
 
 ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const std::string& node,
@@ -210,7 +221,9 @@ class ProbePass {
     }
   }
 
-  static bool IsCommentLine(const std::string& line) { return !line.empty() && (line[0] == '*' || line[0] == ';'); }
+  static bool IsCommentLine(const std::string& line) {
+    return !line.empty() && (line[0] == '*' || line[0] == ';');
+  }
 
   // Called with a comment line read behind a model card: the comment lines from there are
   // inside the card when a continuation line follows them, and then they are dropped. Otherwise

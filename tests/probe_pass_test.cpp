@@ -118,6 +118,9 @@ TEST(ProbePassTest, CalledSubcktIsTheLastWordThatIsNotAParameter) {
                                                        {"X1 N1 N2 AMP GAIN =2", "AMP"},
                                                        {"X1 N1 N2 AMP GAIN = 2", "AMP"},
                                                        {"X1  N1\tAMP ", "AMP"},
+                                                       {"X1 A B =2", "A"},
+                                                       {"X1 N1 =2", ""},
+                                                       {"X1 =2", ""},
                                                        {"X1", ""},
                                                        {"X1 GAIN=2", ""}};
   for (const auto& [line, called] : cases) EXPECT_EQ(CalledSubckt(line), called) << line;

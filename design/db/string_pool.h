@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace vdb {
@@ -35,13 +34,26 @@ class StringPool {
 
  private:
   const char* Store(std::string_view text);
+  /// The slot of `text` in the index: the one that holds it, or the empty one where it goes.
+  size_t SlotOf(std::string_view text, uint32_t hash) const;
+  void AddToIndex(uint32_t id, uint32_t hash);
+  void GrowIndex();
+
+  // The index is open-addressed (linear probing, at most half full): a slot holds the id
+  // plus one (0 for empty) and the text's hash, so most probes compare no text. A million
+  // texts cost two 8-byte slots each instead of a node of a chained hash map.
+  struct Slot {
+    uint32_t idPlusOne;
+    uint32_t hash;
+  };
 
   std::vector<std::unique_ptr<char[]>> chunks_;
   size_t chunkUsed_ = 0;
   size_t chunkSize_ = 0;
   std::vector<const char*> texts_;
   std::vector<uint32_t> lengths_;
-  std::unordered_map<std::string_view, uint32_t> index_;
+  std::vector<Slot> index_;
+  size_t indexed_ = 0;
 };
 
 }  // namespace vdb

@@ -244,8 +244,9 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
     nodeMap[n] = LegalizeName(options, node);
   int32_t kind = options.wirelistKind;
-  if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
-    if (kind == kPspice && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
+  if (net.isGlobal && !IsGroundName(options, lb)) {
+    nodeMap[n] = GlobalNode(lb);
+  } else if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
     if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
   }
   netDictionary[rawBlockName + "/" + Lower(Peek(nodeMap, n))] = net.InternalName();
@@ -264,6 +265,12 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
     std::string& global = globalNets[lb];
     if (global.empty()) global = Peek(nodeMap, n);
   }
+}
+
+const std::string& SpiceBlock::GlobalNode(const std::string& label) {
+  std::string& global = globalNets[label];
+  if (global.empty()) global = GlobalNodeName(options, label);
+  return global;
 }
 
 void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp) {
@@ -294,5 +301,9 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
   SpiceComp flat;
   flat.LoadFlat(comp, options, *pinNodes, &gatheredAttributes);
+  // A global net that only sub-blocks hold has its one name in the flat deck too.
+  for (const PinEntry& pin : flat.PinNets())
+    if (pin.net.IsGlobal() && pin.net.Name() == pin.net.Label() && !IsGroundName(options, pin.net.Label()))
+      nodeMap[pin.net.Name()] = GlobalNode(pin.net.Label());
   comps.push_back(std::move(flat));
 }

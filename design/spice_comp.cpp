@@ -454,7 +454,15 @@ void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter,
   pinNets.clear();
   FlatScope scope = FlatScopeOf(comp);
   hierName = scope.hier;
+  // The name, as in a hierarchical load: an X line calls its model part, and the
+  // default model of a device is read from it.
   Tessel::String text;
+  comp.GetName(text);
+  name = text.str();
+  text = "";
+  comp.GetPartitionName(text);
+  partitionName = text.str();
+  text = "";
   comp.GetLabel(text);
   label = text.str();
   bareKeys.clear();

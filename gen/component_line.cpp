@@ -190,7 +190,6 @@ class OrderExpander {
 }  // namespace
 
 void CSpiceGen::EmitComponent(SpiceComp& comp) {
-  if (!comp.HasAttributes()) return;
   if (comp.RefName().empty() && comp.Kind() != 3) return;
   if (flatten && comp.RefName().empty()) {
     std::string note = "*Note : Skipping Component " + comp.Label() + "\n";

@@ -55,7 +55,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   void SetDatabaseName(std::string) { databaseName = "database"; }
   void OpenWirelist(SpiceProject& project);
   void BeginBlock(SpiceBlock& block);
-  /// The component loop of a block: stops at a component without attributes.
+  /// The component loop of a block, a line for every component.
   void WriteComponents(SpiceBlock& block);
   /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
   void WriteDefinitionBody(SpiceBlock& block, const char* endText);

@@ -48,7 +48,6 @@ void CKelpoSpiceGen::Run(SpiceProject& project) {
 
   BeginBlock(root);
   for (SpiceComp& comp : root.Comps()) {
-    if (!comp.HasAttributes()) break;
     MapComponentName(comp, root.Name());
     if (comp.excluded) {
       WriteExcludedNote(comp);

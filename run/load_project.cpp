@@ -10,8 +10,11 @@ bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOption
     Tessel::ContainerT<const Tessel::IBlock> block;
     project.FindRoot(group, block, options.rootPath);
     if (!block.IsValid()) return false;
+    // The definitions hang below the block itself, whatever name (a test bench's) found it.
+    Tessel::String rootName;
+    block->GetName(rootName);
     if (options.flatten == 0)
-      project.WalkHierarchy(block, group);
+      project.WalkHierarchy(block, rootName.str());
     else
       project.WalkFlat(block, group);
     return true;

@@ -12,6 +12,10 @@
 
 #include "tests/deck_harness.h"
 
+#ifndef VESK_SOURCE_DIR
+#define VESK_SOURCE_DIR "."
+#endif
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -172,4 +176,23 @@ void RemoveScratch(const std::string& folder) {
   if (folder.empty() || std::getenv("VESK_KEEP")) return;
   std::error_code ignored;
   fs::remove_all(folder, ignored);
+}
+
+const std::map<std::string, std::string>& ProjectEnvironment() {
+  static const std::map<std::string, std::string> environment = {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}};
+  return environment;
+}
+
+std::string MakeDesignProject(const std::string& design, std::string& error) {
+  std::string source = std::string(VESK_SOURCE_DIR) + "/";
+  std::string folder = MakeScratch(design);
+  std::error_code failed;
+  fs::copy(source + "tests/sim/" + design, folder, fs::copy_options::recursive, failed);
+  if (failed) error = "cannot copy tests/sim/" + design + ": " + failed.message();
+  WriteText(folder + "/galt/standard/vesk.cfg", ReadText(source + "examples/standard/vesk.cfg"));
+  std::string output, errors;
+  if (error.empty() &&
+      RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder, ProjectEnvironment(), output, errors) != 0)
+    error = "vesk-db import failed: " + errors;
+  return folder;
 }

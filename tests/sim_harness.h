@@ -53,6 +53,13 @@ struct DeckForm {
   std::string ngBehavior;
 };
 
+/// The environment of a vesk run in a project folder made by the tests.
+const std::map<std::string, std::string>& ProjectEnvironment();
+
+/// A fresh project folder holding tests/sim/<design> (design, sym/, header, references), the
+/// configuration file and the database imported from design.json; `error` tells what failed.
+std::string MakeDesignProject(const std::string& design, std::string& error);
+
 /// Whole text of a file, "" when absent.
 std::string ReadText(const std::string& path);
 /// Writes a file, creating its folders.

@@ -6,17 +6,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <string>
 
 #include "tests/deck_harness.h"
 #include "tests/sim_harness.h"
-
-#ifndef VESK_SOURCE_DIR
-#define VESK_SOURCE_DIR "."
-#endif
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -38,6 +31,8 @@ const DrawnDesign kDesigns[] = {
     // Two unity-gain Sallen-Key stages of 10K and 10N: 0 dB, four poles at 1.59 kHz.
     {"filter", "FILTER", "FILTER", 10.0, 0.0, 600.0, 800.0, 10e-3, 0.969},
 };
+
+void PrintTo(const DrawnDesign& design, std::ostream* out) { *out << "tests/sim/" << design.folder; }
 
 /// The deck's flavour and where it is written, relative to the project folder.
 struct Form {
@@ -125,18 +120,6 @@ Response ReadResponse(const SimResult& run, const std::string& node, const Drawn
   return response;
 }
 
-std::string SourcePath(const std::string& relative) { return std::string(VESK_SOURCE_DIR) + "/" + relative; }
-
-/// Copies tests/sim/<design> into a fresh project folder with the configuration file.
-std::string MakeProject(const DrawnDesign& design) {
-  std::string folder = MakeScratch(design.folder);
-  fs::copy(SourcePath(std::string("tests/sim/") + design.folder), folder, fs::copy_options::recursive);
-  WriteText(folder + "/galt/standard/vesk.cfg", ReadText(SourcePath("examples/standard/vesk.cfg")));
-  return folder;
-}
-
-const std::map<std::string, std::string> kEnvironment = {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}};
-
 class DrawnDesignTest : public ::testing::TestWithParam<DrawnDesign> {
  protected:
   void TearDown() override { RemoveScratch(folder_); }
@@ -147,10 +130,9 @@ TEST_P(DrawnDesignTest, EveryFlavourRespondsAsTheReferenceDeck) {
   if (FindOnPath("ngspice").empty())
     GTEST_SKIP() << "ngspice is not installed (scripts/setup installs it): decks not simulated";
   const DrawnDesign& design = GetParam();
-  folder_ = MakeProject(design);
-  std::string output, errors;
-  ASSERT_EQ(RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder_, kEnvironment, output, errors), 0)
-      << errors;
+  std::string error, output, errors;
+  folder_ = MakeDesignProject(design.folder, error);
+  ASSERT_EQ(error, "");
 
   SimResult reference = RunNgspice(folder_, "reference.cir", "");
   ASSERT_EQ(reference.rc, 0) << reference.transcript;
@@ -164,7 +146,7 @@ TEST_P(DrawnDesignTest, EveryFlavourRespondsAsTheReferenceDeck) {
   for (const Form& form : kForms) {
     SCOPED_TRACE(std::string(form.testName) + " (vesk " + form.switches + ")");
     std::string args = std::string(form.switches) + " -ganalyses.inc " + design.group;
-    ASSERT_EQ(RunProgram(BinaryDir() + "/vesk", args, folder_, kEnvironment, output, errors), 0) << output << errors;
+    ASSERT_EQ(RunProgram(BinaryDir() + "/vesk", args, folder_, ProjectEnvironment(), output, errors), 0) << output << errors;
     std::string deckFolder = *form.folder ? folder_ + "/" + form.folder : folder_;
     std::string deckName = std::string(design.deck) + ".cir";
     std::string deck = ReadText(deckFolder + "/" + deckName);

@@ -23,13 +23,14 @@ struct DrawnDesign {
   double cornerLow, cornerHigh;  // the -3 dB frequency above the pass band lies between these
   double settledFrom;    // the transient amplitude is read from this time on
   double amplitude;      // by hand
+  double level;          // the output's mean over the same time: its bias point
 };
 
 const DrawnDesign kDesigns[] = {
     // Two inverting stages of -10 with a bias divider each: 40 dB; each stage closes at 1 MHz / 11.
-    {"amplifier", "ampbench", "AMPTB", 1e3, 40.0, 45e3, 70e3, 5e-3, 0.1},
+    {"amplifier", "ampbench", "AMPTB", 1e3, 40.0, 45e3, 70e3, 5e-3, 0.1, 5.0},
     // Two unity-gain Sallen-Key stages of 10K and 10N: 0 dB, four poles at 1.59 kHz.
-    {"filter", "FILTER", "FILTER", 10.0, 0.0, 600.0, 800.0, 10e-3, 0.969},
+    {"filter", "FILTER", "FILTER", 10.0, 0.0, 600.0, 800.0, 10e-3, 0.969, 0.0},
 };
 
 void PrintTo(const DrawnDesign& design, std::ostream* out) { *out << "tests/sim/" << design.folder; }
@@ -58,6 +59,7 @@ struct Response {
   double gainDb = NAN;
   double corner = NAN;
   double amplitude = NAN;
+  double level = NAN;
 };
 
 double Magnitude(const std::vector<std::complex<double>>& node, size_t i) { return std::abs(node[i]); }
@@ -100,6 +102,19 @@ double AmplitudeFrom(const SimPlot& plot, const std::vector<std::complex<double>
   return (high - low) / 2;
 }
 
+/// The mean from `from` on, by the trapezoid rule.
+double LevelFrom(const SimPlot& plot, const std::vector<std::complex<double>>& node, double from) {
+  const auto& time = *plot.Vector("time");
+  double area = 0, span = 0;
+  for (size_t i = 1; i < time.size(); ++i) {
+    if (time[i - 1].real() < from) continue;
+    double step = time[i].real() - time[i - 1].real();
+    area += step * (node[i].real() + node[i - 1].real()) / 2;
+    span += step;
+  }
+  return span > 0 ? area / span : NAN;
+}
+
 /// Reads the response at `node` (as ngspice names it) from a run; fails the test when it is not there.
 Response ReadResponse(const SimResult& run, const std::string& node, const DrawnDesign& design) {
   Response response;
@@ -117,6 +132,7 @@ Response ReadResponse(const SimResult& run, const std::string& node, const Drawn
   response.gainDb = GainDbAt(*ac, *ac->Vector(vector), design.passFrequency);
   response.corner = CornerAbove(*ac, *ac->Vector(vector), design.passFrequency, response.gainDb);
   response.amplitude = AmplitudeFrom(*tran, *tran->Vector(vector), design.settledFrom);
+  response.level = LevelFrom(*tran, *tran->Vector(vector), design.settledFrom);
   return response;
 }
 
@@ -142,6 +158,7 @@ TEST_P(DrawnDesignTest, EveryFlavourRespondsAsTheReferenceDeck) {
   EXPECT_GT(want.corner, design.cornerLow);
   EXPECT_LT(want.corner, design.cornerHigh);
   EXPECT_NEAR(want.amplitude, design.amplitude, design.amplitude * 0.03);
+  EXPECT_NEAR(want.level, design.level, 0.01);
 
   for (const Form& form : kForms) {
     SCOPED_TRACE(std::string(form.testName) + " (vesk " + form.switches + ")");
@@ -160,6 +177,7 @@ TEST_P(DrawnDesignTest, EveryFlavourRespondsAsTheReferenceDeck) {
     EXPECT_NEAR(got.gainDb, want.gainDb, 0.05) << "gain in dB at " << design.passFrequency << " Hz";
     EXPECT_NEAR(got.corner, want.corner, want.corner * 0.01) << "-3 dB frequency";
     EXPECT_NEAR(got.amplitude, want.amplitude, want.amplitude * 0.01) << "transient amplitude";
+    EXPECT_NEAR(got.level, want.level, 0.001) << "bias point of the output";
   }
 }
 

@@ -147,9 +147,11 @@ std::string LegalizeName(const WireOptions& options, const std::string& name) {
 std::string GlobalNodeName(const WireOptions& options, const std::string& label) {
   // Named as under -n whatever the deck's own choice, so that every definition, and every
   // model that names the net, meets the same node.
+  // Pspice reads "$G_" in front of a node as global.
   WireOptions named = options;
   named.useNodeNames = true;
-  return LegalizeName(named, options.wirelistKind == kPspice ? "$G_" + label : label);
+  std::string legal = LegalizeName(named, label);
+  return options.wirelistKind == kPspice ? "$G_" + legal : legal;
 }
 
 std::string UniqueName(UsedNames& used, std::string name) {

@@ -32,7 +32,7 @@ bool IsGroundName(const WireOptions& options, const std::string& name);
 std::string LegalizeName(const WireOptions& options, const std::string& name);
 
 /// The one node text of a global net other than ground, in every block and deck: the
-/// legal name of its label, with "$G_" in front in a Pspice deck.
+/// legal name of its label as under -n, with "$G_" in front in a Pspice deck.
 std::string GlobalNodeName(const WireOptions& options, const std::string& label);
 
 /// Returns `name`, or its first character with a counter behind it when the name is

@@ -24,6 +24,16 @@
 #include "post/spice_config.h"
 
 class SpiceReader;
+
+/// Exit statuses of the program. A run that writes its deck ends with 0 whatever the design's
+/// warnings; a run that cannot write one says why, so that a script can tell the cases apart.
+enum ExitStatus {
+  kExitDeckWritten = 0,
+  kExitBadConfiguration = 1,
+  kExitNoGroupGiven = 2,
+  kExitNoDatabase = 3,
+  kExitNoGroup = 4,
+};
 struct SpiceSubckt;
 
 class CSpiceGen : public WireOptions, public SpiceConfig {
@@ -49,6 +59,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   int ReadConfigFile();
 
   // ---- run/load_project.cpp ----
+  /// True when the design was loaded; otherwise `loadFailure` says why, as an exit status.
   bool LoadProject(std::string group, SpiceProject& project, WireOptions options);
 
   // ---- gen/spice_gen.cpp: frame of a run ----
@@ -101,6 +112,12 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
                          std::set<std::string>& files);
   /// The include line (or .model card) of one model file, or the warning that it is missing.
   void WriteModelInclude(const std::string& path);
+  /// The folder of the deck, relative to the working folder ("" for the working folder).
+  std::string DeckFolder() const;
+  /// How the deck names a file the simulator opens, given relative to the project folder:
+  /// under PATHS WINDOWS the classic text `classicPrefix` + `projectPath`, otherwise the path
+  /// from the deck's own folder with "/".
+  std::string SimulatorPath(const std::string& projectPath, const std::string& classicPrefix) const;
 
   // ---- gen/probes.cpp: probe collection and the generator's statements ----
   int CollectProbe(SpiceComp& comp);
@@ -138,6 +155,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   std::map<std::string, std::string> modelFiles;
   std::map<std::string, std::string> netUidMap;
   int32_t uniqueCounter = 0;
+  int loadFailure = kExitDeckWritten;  // set by LoadProject
   bool modelRegistered = false;
   bool groundSeen = false;
   bool voltageProbeHere = false;

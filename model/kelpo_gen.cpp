@@ -137,7 +137,8 @@ void CKelpoSpiceGen::WriteVerilogInstance(const SpiceComp& comp) {
   if (!useVerilog.empty())
     out << ".use_verilog " << useVerilog << "\n";
   else
-    out << ".verilog " << VerilogFileText(ExpandEnvironmentInPath(comp.Attribute("VERILOG FILE"))) << "\n";
+    out << ".verilog " << SimulatorPath(VerilogFileText(ExpandEnvironmentInPath(comp.Attribute("VERILOG FILE"))), "")
+        << "\n";
 
   const std::string model = comp.Attribute("MODEL");
   out << comp.RefName() << " " << model << " ";

@@ -18,9 +18,9 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   Flavour gen(options);
   auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
-  if (!gen.LoadProject(group, *project, options)) return 0;
+  if (!gen.LoadProject(group, *project, options)) return gen.loadFailure;
   project->ReleaseWalkState();
-  if (gen.ReadConfigFile() != 0) return 1;
+  if (gen.ReadConfigFile() != 0) return kExitBadConfiguration;
   gen.OpenCrossReference(group);
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
@@ -29,7 +29,7 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   project.reset();
   gen.ProbeProcess();
   gen.PostProcess();
-  return 0;
+  return kExitDeckWritten;
 }
 
 int RunAll(int argc, const char* const* argv) {
@@ -39,7 +39,7 @@ int RunAll(int argc, const char* const* argv) {
   options.ParseArguments(&groupArgument, argc, argv);
   if (!groupArgument) {
     std::cout << "Database Required" << std::endl;
-    return 0;
+    return kExitNoGroupGiven;
   }
   std::string group = groupArgument;
   switch (options.wirelistKind) {

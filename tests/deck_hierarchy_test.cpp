@@ -32,12 +32,12 @@ const std::string kThreeLevels =
 
 TEST(FlatHierarchyDeckTest, NamesPassDownThroughPinsAndGainTheInstancePathElsewhere) {
   // M is local to X1, K local to X1\X2; P and Q reach the pins of X2, A and B those of X1;
-  // VDD is global and keeps its label.
+  // VDD is global and keeps its name, "$G_" in front, as in every definition.
   VeskRun run = RunVesk(kThreeLevels, "TOP");
   EXPECT_EQ(run.rc, 0);
   EXPECT_EQ(run.deck, Head("TOP") +
                           "RX11 1 2 2.000000K\nRX1X21 2 3 3.000000K\nCX1X21 3 4 10.000000P\n"
-                          "RX1X22 3 5 4.000000K\nRL 4 0 5.000000\n* Dictionary 6\n* GND=0\n* VDD=5\n"
+                          "RX1X22 3 $G_VDD 4.000000K\nRL 4 0 5.000000\n* Dictionary 6\n* GND=0\n* VDD=$G_VDD\n"
                           "* OUT=4\n* X1\\X2\\K=3\n* X1\\M=2\n* IN = 1\n\n*.END\n");
 }
 
@@ -46,8 +46,8 @@ TEST(FlatHierarchyDeckTest, NodeNamesAreTheLegalFormOfTheFlatNames) {
   VeskRun run = RunVesk(kThreeLevels, "-n TOP");
   EXPECT_EQ(run.deck, Head("-n TOP") +
                           "RX11 IN X1M 2.000000K\nRX1X21 X1M X1X2K 3.000000K\n"
-                          "CX1X21 X1X2K OUT 10.000000P\nRX1X22 X1X2K VDD 4.000000K\nRL OUT 0 5.000000\n"
-                          "* Dictionary 3\n* GND=0\n* X1\\X2\\K=X1X2K\n* X1\\M = X1M\n\n*.END\n");
+                          "CX1X21 X1X2K OUT 10.000000P\nRX1X22 X1X2K $G_VDD 4.000000K\nRL OUT 0 5.000000\n"
+                          "* Dictionary 4\n* GND=0\n* VDD=$G_VDD\n* X1\\X2\\K=X1X2K\n* X1\\M = X1M\n\n*.END\n");
 }
 
 TEST(FlatHierarchyDeckTest, ALevelTakesTheInstanceAndItsBlockOut) {
@@ -67,12 +67,13 @@ TEST(FlatHierarchyDeckTest, ALevelMatchesExactly) {
 }
 
 TEST(HierarchicalDeckTest, EachBlockIsDefinedOnceChildrenFirst) {
-  // Each definition numbers its own nodes, ports first; the root's lines follow the definitions.
+  // Each definition numbers its own nodes, ports first; the global VDD keeps its name; the
+  // root's lines follow the definitions.
   VeskRun run = RunVesk(kThreeLevels, "-h TOP");
   EXPECT_EQ(run.rc, 0);
   EXPECT_EQ(run.deck, Head("-h TOP", true) +
                           "*Definition For Project LEAF\n.SUBCKT LEAF 1 2\nR1 1 3 3.000000K\n"
-                          "C1 3 2 10.000000P\nR2 3 4 4.000000K\n* CROSS-REFERENCE 4\n* VDD=4\n* Q=2\n"
+                          "C1 3 2 10.000000P\nR2 3 $G_VDD 4.000000K\n* CROSS-REFERENCE 4\n* VDD=$G_VDD\n* Q=2\n"
                           "* K=3\n* P=1\n.ENDS\n\n\n*Definition For Project MID\n.SUBCKT MID 1 2\n"
                           "R1 1 3 2.000000K\nX2 3 2 LEAF\n* CROSS-REFERENCE 3\n* B=2\n* M=3\n* A=1\n"
                           ".ENDS\n\nX1 1 2 MID\nRL 2 0 5.000000\n* Dictionary 3\n* GND=0\n* OUT=2\n"
@@ -122,8 +123,9 @@ TEST(HierarchicalDeckTest, ABlockPlacedTwiceIsDefinedOnceWithThePinsOfItsFirstIn
                           "* GND=0\n* IN = 1\n\n*.END\n\n");
 }
 
-TEST(FlatHierarchyDeckTest, ALabelThatEndsAnEarlierPinNameFindsThatPin) {
-  // The pin list of X1 reads "AB,NA;B,NB;": the inner net B meets "B," inside "AB," first.
+TEST(FlatHierarchyDeckTest, ALabelFindsTheWholePinNameNotTheEndOfAnEarlierOne) {
+  // The pin list of X1 reads "AB,NA;B,NB;": the inner net B takes NB, not NA of "AB,"; the
+  // inner GND is ground under its flat name.
   VeskRun run = RunVesk(
       R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } }, "blocks": [
     { "name": "TOP", "components": [)" +
@@ -132,7 +134,7 @@ TEST(FlatHierarchyDeckTest, ALabelThatEndsAnEarlierPinNameFindsThatPin) {
         "components": [ )" +
           Part("R1", "RES.1", R"("VALUE": "2K")", "A=B B=GND") + " ] } ] }",
       "TOP");
-  EXPECT_EQ(run.deck, Head("TOP") + "RX11 1 2 2.000000K\n* Dictionary 2\n* X1\\GND=2\n* NA = 1\n\n*.END\n");
+  EXPECT_EQ(run.deck, Head("TOP") + "RX11 1 0 2.000000K\n* Dictionary 2\n* X1\\GND=0\n* NB = 1\n\n*.END\n");
 }
 
 }  // namespace

@@ -52,13 +52,14 @@ const char kModelLines[] =
 TEST(DeckIncludes, ModelFilesAndTheFilesTheyCallAreIncludedInPathOrder) {
   VeskRun run = RunVesk(ModelsDesign(), "TOP", ModelFiles());
   ASSERT_EQ(run.rc, 0) << run.output;
-  // One include a file, spelled as the model was first used; a missing file is a warning
-  // without a line end, which the next line's own line end closes.
+  // One include a file, named from the deck's folder as the file is spelled on disk; a missing
+  // file is a warning (in its classic text) without a line end, which the next line's own line
+  // end closes.
   EXPECT_EQ(run.deck, Head("TOP") + kModelLines +
                           "* OUT = 1\n\n*Warning: Could not open data file sym\\DMISSING.mod\n"
-                          ".include \"..\\..\\sym\\Dx.mod\"\n\n.include \"..\\..\\sym\\Q2N.mod\"\n\n"
+                          ".include \"sym/DX.mod\"\n\n.include \"sym/Q2N.mod\"\n\n"
                           "*Warning: Could not open data file sym\\leaf.mod\n"
-                          ".include \"..\\..\\sym\\opamp.mod\"\n\n.include \"..\\..\\sym\\stage1.mod\"\n"
+                          ".include \"sym/opamp.mod\"\n\n.include \"sym/stage1.mod\"\n"
                           "\n*.END\n");
   EXPECT_EQ(run.output,
             "\n*Warning: Could not open data file sym\\DMISSING.mod"
@@ -111,8 +112,11 @@ TEST(DeckIncludes, GlobalLinesStandInLabelOrderWhereTheDialectHasThem) {
   EXPECT_EQ(hspice.deck, Head("-m -n TOP") + lines +
                              "*Globals\n.global AVDD\n.global 0\n.global VDD\n\n"
                              ".OPTIONS INGOLD=2 CSDF=2\n*.END\n");
+  // Pspice marks a global node by "$G_" in front of its name.
   VeskRun pspice = RunVesk(GlobalsDesign(), "-n TOP");
-  EXPECT_EQ(pspice.deck, Head("-n TOP") + lines + "*.END\n");
+  EXPECT_EQ(pspice.deck, Head("-n TOP") +
+                             "R1 $G_VDD 0 1000.000000\nR2 $G_AVDD 0 1000.000000\n* Dictionary 3\n"
+                             "* AVDD=$G_AVDD\n* GND=0\n* VDD = $G_VDD\n\n*.END\n");
 }
 
 // TOP places AMP and a transistor of a model without a file; AMP holds a diode with a model
@@ -139,8 +143,8 @@ TEST(DeckIncludes, HierarchicalDeckIncludesTheModelsOfAllBlocksAtItsEnd) {
                           "*Definition For Project AMP\n.SUBCKT AMP 1 2\nD1 1 2 DX\nD2 1 2 DIODE\n"
                           "*Warning: No Model For D2.Defaulting to DIODE\n* CROSS-REFERENCE 2\n* B=2\n"
                           "* A=1\n.ENDS\n\nX1 1 0 AMP\nQ1 2 1 0 QX\n* Dictionary 3\n* OUT=2\n* GND=0\n"
-                          "* IN=1\n.include \"..\\..\\sym\\DIODE.mod\"\n"
-                          ".include \"..\\..\\sym\\DX.mod\"\n"
+                          "* IN=1\n.include \"sym/diode.mod\"\n"
+                          ".include \"sym/DX.mod\"\n"
                           "*Warning: Could not open data file sym\\QX.mod\n\n*.END\n\n");
 }
 

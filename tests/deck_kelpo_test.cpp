@@ -19,7 +19,7 @@ VeskInput KelpoDeck() {
 }
 
 // TOP holds a resistor, an instance X1 of AMP, an excluded part, a part whose two model words
-// are "SCH" and an unknown one, and a part without attributes that ends the root's loop. AMP
+// are "SCH" and an unknown one, and a part without attributes that is written as any other. AMP
 // holds a Verilog-A and a VHDL-AMS instance, a part without attributes, a part of unknown
 // model words and an excluded part.
 std::string Numbered(int number) { return R"("group": "G1", "number": )" + std::to_string(number); }
@@ -61,29 +61,32 @@ const std::string kHierarchy =
     ", " + Part("E1", "RES.1", R"("EXCLUDE": "shunt")", "A=IN B=MID", Numbered(24)) + " ] } ] }";
 
 const char kAmpDefinition[] =
-    "*Definition For Project AMP\n.SUBCKT AMP IN OUT\n.verilog va\\Amp.va\n"
-    "YU1 amp PORT: IN MID GENERIC: GAIN=10\nYU2 cnt GENERIC: WIDTH=\"8\" PORT: MID OUT\n"
+    "*Definition For Project AMP\n.SUBCKT AMP IN OUT\n.verilog ../../va/Amp.va\n"
+    "YU1 amp PORT: IN MID GENERIC: GAIN=10\nC5 MID 0\n*Warning: No Value For C5.Defaulting to 0\n"
+    "YU2 cnt GENERIC: WIDTH=\"8\" PORT: MID OUT\n"
     "YU8 counter PORT: MID\n.use_verilog amplib\nYU9 AMP PORT: OUT\n"
     "*U3 Unrecognized Simulation Model type\n*Note : Excluding Component E1\n* CROSS-REFERENCE 0\n.ENDS\n";
 
 const char kHierarchyMap[] =
     "AMP/c5 $7AI23\nAMP/in $7AN4\nAMP/mid $7AN6\nAMP/out $7AN5\nAMP/u3 $7AI22\nAMP/yu1 $7AI20\n"
-    "AMP/yu2 $7AI21\nAMP/yu8 $7AI25\nAMP/yu9 $7AI26\nTOP/ $7AI12\nTOP/0 $7AN3\nTOP/in $7AN1\n"
-    "TOP/out $7AN2\nTOP/r1 $7AI10\nTOP/u4 $7AI16\nTOP/v7 $7AI13\nx1 AMP\n";
+    "AMP/yu2 $7AI21\nAMP/yu8 $7AI25\nAMP/yu9 $7AI26\nTOP/ $7AI12\nTOP/0 $7AN3\nTOP/c9 $7AI14\n"
+    "TOP/in $7AN1\nTOP/out $7AN2\nTOP/r1 $7AI10\nTOP/r8 $7AI15\nTOP/u4 $7AI16\nTOP/v7 $7AI13\nx1 AMP\n";
 
-// The probe pass reads a line that begins with "*" behind a ".model" line as a comment of the
-// model card and drops it; so the "*.END" line that follows the model directives goes, and with
-// it the place where hierarchical print statements would stand.
+// The "*.END" line right behind the model directives is no comment of the last card: it stays,
+// and hierarchical print statements have their place ahead of it.
 TEST(KelpoHierarchyTest, DefinitionsFirstThenTheRootThenTheDirectives) {
   VeskRun run = RunVesk(kHierarchy, "-_ -h TOP", KelpoDeck());
   ASSERT_EQ(run.rc, 0) << run.output << run.errors;
-  EXPECT_EQ(run.output, "*Note : Excluding Component E1\n*Note : Excluding Component E9\n");
+  EXPECT_EQ(run.output,
+            "*Warning: No Value For C5.Defaulting  to 0\n*Note : Excluding Component E1\n"
+            "*Note : Excluding Component E9\n*Warning: No Value For C9.Defaulting  to 0\n");
   EXPECT_EQ(run.deck, Head("-_ -h TOP", true) + kAmpDefinition +
                           "\nR1 IN 0 1000.000000\nX1 IN OUT AMP\n*Note : Excluding Component E9\n"
-                          "V7 IN 0 5.000000\n*U4Unrecognized Simulation Model type\n* Dictionary 1\n"
+                          "V7 IN 0 5.000000\n*U4Unrecognized Simulation Model type\nC9 OUT 0 0\n"
+                          "*Warning: No Value For C9.Defaulting to 0\nR8 OUT 0 8.000000\n* Dictionary 1\n"
                           "* GND=0\n.model amp macro lang=veriloga\n"
                           ".model cnt macro lang=vhdlams LIB=lib\n"
-                          ".model counter macro lang=vhdlams LIB=mylib.sub\n\n");
+                          ".model counter macro lang=vhdlams LIB=mylib.sub\n\n*.END\n\n");
   EXPECT_EQ(run.Read("genhdl/TOP/netUidMap"), kHierarchyMap);
   EXPECT_FALSE(run.Exists("TOP.cir"));
 }
@@ -155,7 +158,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
   EXPECT_EQ(run.output, kLongNote);
   EXPECT_EQ(run.deck,
             Head("-_ -__ -7 -h TOP", true) +
-                ".include \"..\\..\\genhdl\\TOP\\TOP_sources.spi\"\n"
+                ".include \"TOP_sources.spi\"\n"
                 "YU5 filter GENERIC: ALPHA=\"0.25\" BETA=\"1.5\" DELTA_T=\"1n\" GAIN_LIMIT=\"1000\" \n"
                 "+GAMMA=\"3\" OFFSET_VOLTAGE=\"0.001\" ZETA=\"7\" PORT: IN 0\n" +
                 kLongNote +
@@ -165,7 +168,7 @@ TEST(KelpoSourcesTest, RootFirstDefinitionsBehindItAndLongLinesFolded) {
                 "R3 A B 3.000000\n"
                 "YU6 stage GENERIC: COEFFICIENT_A=\"1111\" COEFFICIENT_B=\"2\" COEFFICIENT_C=\"3.5\"\n"
                 "+ MODE=\"fast\" PORT: B 0\n"
-                ".verilog $VA\\Sub.dir\\x.v\n"
+                ".verilog ../../$VA/Sub.dir/x.v\n"
                 "YU7 Probe PORT: A\n* CROSS-REFERENCE 1\n* GND=0\n.ENDS\n\n\n"
                 ".model filter macro lang=vhdlams LIB=WORK\n.model stage macro lang=vhdlams LIB=lib\n"
                 ".model Probe macro lang=veriloga\n\n");

@@ -113,19 +113,19 @@ std::string DefaultsDesign() {
 TEST(DeckLines, BareAttributesAndPrefixLettersGiveDefaultBodies) {
   VeskRun run = RunVesk(DefaultsDesign(), "TOP");
   ASSERT_EQ(run.rc, 0) << run.output;
-  // A flat deck knows no component names, so D1 defaults to an empty model; the post-process
+  // D1 defaults to the model part of its name, which the includes look for; the post-process
   // pass reduces the doubled blanks of the notes.
   EXPECT_EQ(run.deck, Head("TOP") +
                           "R1 1 0 RSPEC\nQ1 2 1 0 MODEL\n"
                           "*Error : No Model attribute found for component Q1\nR2 1 2 0\n"
-                          "*Warning: No Value For R2.Defaulting to 0\nD1 2 0\n"
-                          "*Warning: No Model For D1.Defaulting to\nU1 1 2\n"
+                          "*Warning: No Value For R2.Defaulting to 0\nD1 2 0 DIODE\n"
+                          "*Warning: No Model For D1.Defaulting to DIODE\nU1 1 2\n"
                           "*Warning: No Value For U1.No Default\n* Dictionary 3\n* OUT=2\n* GND=0\n"
-                          "* IN = 1\n\n*.END\n");
+                          "* IN = 1\n\n*Warning: Could not open data file sym\\DIODE.mod\n*.END\n");
   EXPECT_EQ(run.output,
             "*Error : No Model attribute found for component Q1\n"
-            "*Warning: No Value For R2.Defaulting  to 0\n*Warning: No Model For D1.Defaulting  to \n"
-            "*Warning: No Value For U1.No Default\n");
+            "*Warning: No Value For R2.Defaulting  to 0\n*Warning: No Model For D1.Defaulting  to DIODE\n"
+            "*Warning: No Value For U1.No Default\n\n*Warning: Could not open data file sym\\DIODE.mod");
 }
 
 TEST(DeckLines, AlienSimulatorGetsNoDefaults) {

@@ -64,7 +64,7 @@ TEST(MappedModelDeckTest, OverriddenPrimitiveModelBecomesACardInPlaceOfItsInclud
   EXPECT_EQ(run.deck, kHead +
                           "Q1 COL BAS 0 QMOD\nQ3 COL BAS 0 QPLAIN\n* Dictionary 1\n* GND=0\n"
                           ".model QMOD NPN (\n+ CJE=1P\n+ RB=10\n)\n\n"
-                          ".include \"..\\..\\sym\\QPLAIN.mod\"\n\n*.END\n\n");
+                          ".include \"../../sym/QPLAIN.mod\"\n\n*.END\n\n");
   // A primitive model leaves no parameter file.
   EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"QMOD.mod", "QPLAIN.mod"}));
 }
@@ -94,7 +94,7 @@ const char kOpAmpMapping[] =
 // section of another instance stays in the file, U1's old section is replaced, U2's is added.
 const char kOpAmpDeck[] =
     "XU1 IN OUT OpAmp\n+ GAIN=200\n+ RIN=2MEG\nXU2 OUT 0 OpAmp\n+ RIN=2MEG\n* Dictionary 1\n* GND=0\n"
-    ".include \"..\\..\\sym\\OpAmp.mod\"\n\n*.END\n\n";
+    ".include \"../../sym/OpAmp.mod\"\n\n*.END\n\n";
 
 TEST(MappedModelDeckTest, SubcircuitSectionsFollowTheirInstanceLines) {
   VeskInput input = KelpoDeck();
@@ -184,7 +184,7 @@ TEST(MappedModelDeckTest, VhdlGenericsFromTheMappingFiles) {
                           "PORT: CK ( D1 D0 ) QO\n"
                           "YU2 counter(rtl) GENERIC: WIDTH=\"4\" DEPTH=\"2\" MODE=\"medium\" TPD=\"1.0\" "
                           "PORT: CK ( D1 D0 ) QO\nR1 QO 0 1000.000000\n* Dictionary 1\n* GND=0\n"
-                          ".model counter(rtl) macro lang=vhdlams LIB=mylib\n\n");
+                          ".model counter(rtl) macro lang=vhdlams LIB=mylib\n\n*.END\n\n");
   // A model without ModType writes neither a card nor a parameter file.
   EXPECT_EQ(FolderFiles(run, "sym"), (std::set<std::string>{"Instances_Info.xml"}));
 }

@@ -71,7 +71,7 @@ TEST(DeckProbesTest, PspiceProbeWordWritesDecibelAndPhaseUnderCsdfForAc) {
     const bool current = p[0] == '(';
     const std::string t = current ? "I" : "V";
     const std::string probe = current ? p : "(" + p + ")";
-    statements += ".PROBE/CSDF\n" + t + "DB" + probe + " " + t + "P" + probe + "\n.PROBE " + t + probe + "\n";
+    statements += ".PROBE/CSDF\n+ " + t + "DB" + probe + " " + t + "P" + probe + "\n.PROBE " + t + probe + "\n";
   }
   EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE  V(IN)\n\n*.END\n\n");
@@ -142,7 +142,7 @@ TEST(DeckProbesTest, AnalogDependenciesKeepOnlyTheCsdfStatements) {
        {"VDB([X1.MID]) VP([X1.MID])", "IDB(X1.R1) IP(X1.R1)", "VDB([X1.X3.Q]) VP([X1.X3.Q])",
         "VDB([OUT]) VP([OUT])", "VDB([X2.MID]) VP([X2.MID])", "IDB(X2.R1) IP(X2.R1)",
         "VDB([X2.X3.Q]) VP([X2.X3.Q])"})
-    statements += std::string(".PROBE/CSDF\n") + probe + "\n";
+    statements += std::string(".PROBE/CSDF\n+ ") + probe + "\n";
   EXPECT_EQ(run.deck, Head(args, true) + ".ac dec 10 1 1k\n.tran 1n 10n\n" + kNamedBody + statements +
                           ".PROBE/CSDF\n\n*.END\n\n");
 }
@@ -171,7 +171,7 @@ TEST(DeckProbesTest, DuplicateDefinitionsAreReportedAndKept) {
 }
 
 // Initial conditions: one statement per kind, pairs in label order, written at the end of
-// the definition or root whose nets carry them; HSPICE and Berkeley put no brackets.
+// the definition or root whose nets carry them, each under the node the deck gives the net.
 const std::string kInitialDesign =
     R"({ "symbols": { "RES.1": { "PREFIX": "R", "ORDER": "VALUE$" } }, "blocks": [ { "name": "TOP",
     "nets": [ { "label": "OUT", "attributes": { "NODESET": "1.5", "IC": "0.2" } },
@@ -186,9 +186,9 @@ const std::string kInitialDesign =
 TEST(DeckProbesTest, InitialConditionsInEachDialect) {
   const std::string body =
       "*Definition For Project AMP\n.SUBCKT AMP 1 2\nR1 1 3 1000.000000\nR2 3 2 1000.000000\n"
-      "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.IC V(MID)=0\n.ENDS\n\n"
+      "* CROSS-REFERENCE 3\n* B=2\n* MID=3\n* A=1\n.IC V(3)=0\n.ENDS\n\n"
       "X1 1 2 AMP\nR1 2 0 1000.000000\n* Dictionary 3\n* GND=0\n* OUT=2\n* IN=1\n"
-      ".NODESET V(IN)=5 V(OUT)=1.5\n.IC V(OUT)=0.2\n.GUESS V(IN)=4\n";
+      ".NODESET V(1)=5 V(2)=1.5\n.IC V(2)=0.2\n.GUESS V(1)=4\n";
   VeskRun hspice = RunVesk(kInitialDesign, "-h -m TOP");
   EXPECT_EQ(hspice.deck, Head("-h -m TOP", true) + body + ".OPTIONS INGOLD=2 CSDF=2\n\n*.END\n\n");
   VeskRun berkeley = RunVesk(kInitialDesign, "-s -h TOP");

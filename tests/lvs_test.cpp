@@ -16,15 +16,18 @@ struct LvsCase {
   const char* group;     // the group vesk is run with
   const char* switches;  // the deck gets the extension .spice, by which netgen knows its format
   const char* deck;      // the deck's file
-  const char* cell;      // the top cell in it: the root's definition, or the file for a deck whose top is no sub-circuit
-  const char* reference; // the netlist drawn by hand, its top being the file
+  const char*
+      cell;  // the top cell in it: the root's definition, or the file for a deck whose top is no sub-circuit
+  const char* reference;  // the netlist drawn by hand, its top being the file
 };
 
 const LvsCase kCases[] = {
     {"AmplifierDracula", "amplifier", "ampbench", "-e", "AMPTB.spice", "AMPTB", "lvs-reference.spice"},
-    {"AmplifierBerkeleyHier", "amplifier", "ampbench", "-s -h", "AMPTB.spice", "AMPTB.spice", "lvs-reference-global.spice"},
+    {"AmplifierBerkeleyHier", "amplifier", "ampbench", "-s -h", "AMPTB.spice", "AMPTB.spice",
+     "lvs-reference-global.spice"},
     {"FilterDracula", "filter", "FILTER", "-e", "FILTER.spice", "FILTER", "lvs-reference.spice"},
-    {"FilterBerkeleyHier", "filter", "FILTER", "-s -h", "FILTER.spice", "FILTER.spice", "lvs-reference-global.spice"},
+    {"FilterBerkeleyHier", "filter", "FILTER", "-s -h", "FILTER.spice", "FILTER.spice",
+     "lvs-reference-global.spice"},
 };
 
 void PrintTo(const LvsCase& lvs, std::ostream* out) { *out << lvs.design << ": vesk " << lvs.switches; }
@@ -51,7 +54,7 @@ TEST_P(LvsTest, DeckMatchesTheNetlistDrawnByHand) {
   // netgen takes each netlist as one argument "file cell"; the harness splits at blanks, so the
   // command goes through a script of the folder.
   WriteText(folder_ + "/lvs.sh", "exec " + netgen + " -batch lvs \"" + lvs.deck + " " + lvs.cell + "\" \"" +
-                                      lvs.reference + " " + lvs.reference + "\"\n");
+                                     lvs.reference + " " + lvs.reference + "\"\n");
   int rc = RunProgram("/bin/sh", "lvs.sh", folder_, ProjectEnvironment(), output, errors);
   std::string transcript = output + errors + "\ndeck:\n" + deck;
   EXPECT_EQ(rc, 0) << transcript;
@@ -61,6 +64,8 @@ TEST_P(LvsTest, DeckMatchesTheNetlistDrawnByHand) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Drawn, LvsTest, ::testing::ValuesIn(kCases),
-                         [](const ::testing::TestParamInfo<LvsCase>& info) { return std::string(info.param.testName); });
+                         [](const ::testing::TestParamInfo<LvsCase>& info) {
+                           return std::string(info.param.testName);
+                         });
 
 }  // namespace

@@ -179,7 +179,8 @@ void RemoveScratch(const std::string& folder) {
 }
 
 const std::map<std::string, std::string>& ProjectEnvironment() {
-  static const std::map<std::string, std::string> environment = {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}};
+  static const std::map<std::string, std::string> environment = {{"GALT_HOME", "galt"},
+                                                                 {"SOURCE_DATE_EPOCH", "0"}};
   return environment;
 }
 
@@ -191,8 +192,8 @@ std::string MakeDesignProject(const std::string& design, std::string& error) {
   if (failed) error = "cannot copy tests/sim/" + design + ": " + failed.message();
   WriteText(folder + "/galt/standard/vesk.cfg", ReadText(source + "examples/standard/vesk.cfg"));
   std::string output, errors;
-  if (error.empty() &&
-      RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder, ProjectEnvironment(), output, errors) != 0)
+  if (error.empty() && RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder,
+                                  ProjectEnvironment(), output, errors) != 0)
     error = "vesk-db import failed: " + errors;
   return folder;
 }

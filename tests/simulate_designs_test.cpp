@@ -16,14 +16,14 @@ namespace {
 /// A design of tests/sim and what its response must be.
 struct DrawnDesign {
   const char* folder;
-  const char* group;   // the group vesk is run with (a test bench name or the root block's)
-  const char* deck;    // the deck's base name: the root block's name
-  double passFrequency;  // where the pass-band gain is read
-  double gainDb;         // pass-band gain, by hand
+  const char* group;             // the group vesk is run with (a test bench name or the root block's)
+  const char* deck;              // the deck's base name: the root block's name
+  double passFrequency;          // where the pass-band gain is read
+  double gainDb;                 // pass-band gain, by hand
   double cornerLow, cornerHigh;  // the -3 dB frequency above the pass band lies between these
-  double settledFrom;    // the transient amplitude is read from this time on
-  double amplitude;      // by hand
-  double level;          // the output's mean over the same time: its bias point
+  double settledFrom;            // the transient amplitude is read from this time on
+  double amplitude;              // by hand
+  double level;                  // the output's mean over the same time: its bias point
 };
 
 const DrawnDesign kDesigns[] = {
@@ -77,7 +77,8 @@ double GainDbAt(const SimPlot& plot, const std::vector<std::complex<double>>& no
 }
 
 /// The first frequency above `from` where the gain has fallen 3 dB below `passDb`.
-double CornerAbove(const SimPlot& plot, const std::vector<std::complex<double>>& node, double from, double passDb) {
+double CornerAbove(const SimPlot& plot, const std::vector<std::complex<double>>& node, double from,
+                   double passDb) {
   const auto& f = *plot.Vector("frequency");
   double target = passDb - 3.0;
   for (size_t i = 1; i < f.size(); ++i) {
@@ -163,7 +164,8 @@ TEST_P(DrawnDesignTest, EveryFlavourRespondsAsTheReferenceDeck) {
   for (const Form& form : kForms) {
     SCOPED_TRACE(std::string(form.testName) + " (vesk " + form.switches + ")");
     std::string args = std::string(form.switches) + " -ganalyses.inc " + design.group;
-    ASSERT_EQ(RunProgram(BinaryDir() + "/vesk", args, folder_, ProjectEnvironment(), output, errors), 0) << output << errors;
+    ASSERT_EQ(RunProgram(BinaryDir() + "/vesk", args, folder_, ProjectEnvironment(), output, errors), 0)
+        << output << errors;
     std::string deckFolder = *form.folder ? folder_ + "/" + form.folder : folder_;
     std::string deckName = std::string(design.deck) + ".cir";
     std::string deck = ReadText(deckFolder + "/" + deckName);
@@ -182,6 +184,8 @@ TEST_P(DrawnDesignTest, EveryFlavourRespondsAsTheReferenceDeck) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Drawn, DrawnDesignTest, ::testing::ValuesIn(kDesigns),
-                         [](const ::testing::TestParamInfo<DrawnDesign>& info) { return std::string(info.param.folder); });
+                         [](const ::testing::TestParamInfo<DrawnDesign>& info) {
+                           return std::string(info.param.folder);
+                         });
 
 }  // namespace

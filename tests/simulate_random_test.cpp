@@ -25,10 +25,10 @@ struct Value {
   double number;
 };
 
-const Value kResistances[] = {{"1K", 1e3},   {"2.2k", 2.2e3},   {"4.7K", 4.7e3},  {"10K", 1e4},
-                              {"330", 330},  {"1.5MEG", 1.5e6}, {"0.1meg", 1e5},  {"22K", 2.2e4}};
-const Value kVoltages[] = {{"5", 5},       {"-2.5", -2.5}, {"1.2", 1.2},     {"0", 0},
-                           {"-12", -12},   {"3300M", 3.3}, {"-0.75K", -750}, {"15", 15}};
+const Value kResistances[] = {{"1K", 1e3},  {"2.2k", 2.2e3},   {"4.7K", 4.7e3}, {"10K", 1e4},
+                              {"330", 330}, {"1.5MEG", 1.5e6}, {"0.1meg", 1e5}, {"22K", 2.2e4}};
+const Value kVoltages[] = {{"5", 5},     {"-2.5", -2.5}, {"1.2", 1.2},     {"0", 0},
+                           {"-12", -12}, {"3300M", 3.3}, {"-0.75K", -750}, {"15", 15}};
 const Value kCurrents[] = {{"1M", 1e-3}, {"-0.5M", -5e-4}, {"100U", 1e-4}, {"-20u", -2e-5}, {"2.5m", 2.5e-3}};
 const Value kGains[] = {{"0.5", 0.5}, {"-0.25", -0.25}, {"0.8", 0.8}, {"0.125", 0.125}};
 const Value kTransconductances[] = {{"1M", 1e-3}, {"-0.2M", -2e-4}, {"50U", 5e-5}};
@@ -117,11 +117,16 @@ class DesignMaker {
     std::string k = Number();
     switch (dice_.Below(6)) {
       case 0:
-      case 1: return k;
-      case 2: return "n" + k + "/a";
-      case 3: return "n" + k + "-b";
-      case 4: return "n" + k + ".c";
-      default: return "n" + k + "x_a.rather-long/net_label_of_many_characters";
+      case 1:
+        return k;
+      case 2:
+        return "n" + k + "/a";
+      case 3:
+        return "n" + k + "-b";
+      case 4:
+        return "n" + k + ".c";
+      default:
+        return "n" + k + "x_a.rather-long/net_label_of_many_characters";
     }
   }
 
@@ -237,7 +242,8 @@ class DesignMaker {
     int placements = std::max(minPlacements, dice_.Between(1, 3));
     for (int i = 0; i < placements; ++i) {
       // Every block of the level below is placed at least once, by the first parent.
-      int child = i < static_cast<int>(below.size()) ? below[i] : below[dice_.Below(static_cast<int>(below.size()))];
+      int child =
+          i < static_cast<int>(below.size()) ? below[i] : below[dice_.Below(static_cast<int>(below.size()))];
       Instance instance{(dice_.Chance(50) ? "X" : "U") + Number() + "Q", child, {}, dice_.Chance(40)};
       for (int p = 0; p < design_.blocks[child].ports; ++p)
         instance.nets.push_back(AnyNet(design_.blocks[index]));
@@ -245,11 +251,13 @@ class DesignMaker {
       block.order.push_back(-1 - static_cast<int>(block.instances.size()));
       block.instances.push_back(instance);
     }
-    if (placements < static_cast<int>(below.size())) PlaceChildren(index, std::vector<int>(below.begin() + placements, below.end()), 1);
+    if (placements < static_cast<int>(below.size()))
+      PlaceChildren(index, std::vector<int>(below.begin() + placements, below.end()), 1);
   }
 
   void Shuffle(std::vector<int>& order) {
-    for (int i = static_cast<int>(order.size()) - 1; i > 0; --i) std::swap(order[i], order[dice_.Below(i + 1)]);
+    for (int i = static_cast<int>(order.size()) - 1; i > 0; --i)
+      std::swap(order[i], order[dice_.Below(i + 1)]);
   }
 
   Dice dice_;
@@ -272,11 +280,16 @@ const char kSymbols[] = R"(  "symbols": {
 
 std::string SymbolOf(char letter) {
   switch (letter) {
-    case 'R': return "RES.1";
-    case 'V': return "VSRC.1";
-    case 'I': return "ISRC.1";
-    case 'E': return "VCVS.1";
-    default: return "VCCS.1";
+    case 'R':
+      return "RES.1";
+    case 'V':
+      return "VSRC.1";
+    case 'I':
+      return "ISRC.1";
+    case 'E':
+      return "VCVS.1";
+    default:
+      return "VCCS.1";
   }
 }
 
@@ -289,8 +302,8 @@ std::string PrimitiveJson(const Block& block, const Primitive& part) {
   std::vector<size_t> pinOrder = {0, 1};
   if (part.nets.size() == 4) pinOrder = {2, 3, 0, 1};
   for (size_t k = 0; k < pinOrder.size(); ++k)
-    json << (k ? ", " : " ") << "{ \"name\": \"" << kPins[pinOrder[k]] << "\", \"net\": "
-         << Quote(block.nets[part.nets[pinOrder[k]]].label) << " }";
+    json << (k ? ", " : " ") << "{ \"name\": \"" << kPins[pinOrder[k]]
+         << "\", \"net\": " << Quote(block.nets[part.nets[pinOrder[k]]].label) << " }";
   json << " ] }";
   return json.str();
 }
@@ -298,7 +311,8 @@ std::string PrimitiveJson(const Block& block, const Primitive& part) {
 std::string InstanceJson(const Design& design, const Block& block, const Instance& instance) {
   const Block& child = design.blocks[instance.child];
   std::ostringstream json;
-  json << "{ \"label\": " << Quote(instance.label) << ", \"name\": " << Quote(instance.bare ? "BARE.1" : "SUB.1")
+  json << "{ \"label\": " << Quote(instance.label)
+       << ", \"name\": " << Quote(instance.bare ? "BARE.1" : "SUB.1")
        << ", \"type\": 2, \"child\": " << Quote(child.name) << ", \"pins\": [";
   for (int p = 0; p < child.ports; ++p)
     json << (p ? ", " : " ") << "{ \"name\": " << Quote(child.nets[p].label)
@@ -311,17 +325,20 @@ std::string BlockJson(const Design& design, const Block& block) {
   std::ostringstream json;
   json << "    { \"name\": " << Quote(block.name) << ",\n      \"ports\": [";
   for (int p = 0; p < block.ports; ++p)
-    json << (p ? ", " : " ") << "{ \"name\": " << Quote(block.nets[p].label) << ", \"net\": " << Quote(block.nets[p].label) << " }";
+    json << (p ? ", " : " ") << "{ \"name\": " << Quote(block.nets[p].label)
+         << ", \"net\": " << Quote(block.nets[p].label) << " }";
   json << " ],\n      \"nets\": [";
   for (size_t n = 0; n < block.nets.size(); ++n) {
     bool global = block.nets[n].kind == NetKind::Global || block.nets[n].label == "GND";
-    json << (n ? ", " : " ") << "{ \"label\": " << Quote(block.nets[n].label) << ", \"global\": " << (global ? "true" : "false") << " }";
+    json << (n ? ", " : " ") << "{ \"label\": " << Quote(block.nets[n].label)
+         << ", \"global\": " << (global ? "true" : "false") << " }";
   }
   json << " ],\n      \"components\": [\n";
   for (size_t c = 0; c < block.order.size(); ++c) {
     int item = block.order[c];
     json << "        "
-         << (item >= 0 ? PrimitiveJson(block, block.primitives[item]) : InstanceJson(design, block, block.instances[-1 - item]))
+         << (item >= 0 ? PrimitiveJson(block, block.primitives[item])
+                       : InstanceJson(design, block, block.instances[-1 - item]))
          << (c + 1 < block.order.size() ? ",\n" : "\n");
   }
   json << "      ] }";
@@ -330,8 +347,9 @@ std::string BlockJson(const Design& design, const Block& block) {
 
 std::string DesignJson(const Design& design) {
   std::ostringstream json;
-  json << "{\n" << kSymbols << "  \"testbenches\": { " << Quote(design.testBench) << ": " << Quote(design.blocks[0].name)
-       << " },\n  \"blocks\": [\n";
+  json << "{\n"
+       << kSymbols << "  \"testbenches\": { " << Quote(design.testBench) << ": "
+       << Quote(design.blocks[0].name) << " },\n  \"blocks\": [\n";
   for (size_t b = 0; b < design.blocks.size(); ++b)
     json << BlockJson(design, design.blocks[b]) << (b + 1 < design.blocks.size() ? ",\n" : "\n");
   json << "  ]\n}\n";
@@ -361,9 +379,12 @@ class ReferenceWriter {
   std::string NodeOf(const Net& net, const std::string& local) {
     switch (net.kind) {
       case NetKind::Ground:
-      case NetKind::LocalGround: return "0";
-      case NetKind::Global: return "rail" + std::to_string(net.rail);
-      default: return local;
+      case NetKind::LocalGround:
+        return "0";
+      case NetKind::Global:
+        return "rail" + std::to_string(net.rail);
+      default:
+        return local;
     }
   }
 
@@ -379,8 +400,9 @@ class ReferenceWriter {
       std::string inner = prefix + "_" + std::to_string(i);
       std::vector<std::string> childNodes;
       for (size_t n = 0; n < child.nets.size(); ++n)
-        childNodes.push_back(static_cast<int>(n) < child.ports ? nodes[instance.nets[n]]
-                                                               : NodeOf(child.nets[n], inner + "_" + std::to_string(n)));
+        childNodes.push_back(static_cast<int>(n) < child.ports
+                                 ? nodes[instance.nets[n]]
+                                 : NodeOf(child.nets[n], inner + "_" + std::to_string(n)));
       WriteBlock(child, childNodes, inner);
     }
   }
@@ -390,16 +412,18 @@ class ReferenceWriter {
   int elements_ = 0;
 };
 
-std::string ReadSourceFile(const std::string& relative) { return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative); }
+std::string ReadSourceFile(const std::string& relative) {
+  return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative);
+}
 
 const DeckForm kForms[] = {
-    {"BerkeleyFlat", "-s", ""},          {"BerkeleyHier", "-s -h", ""},          {"BerkeleyFlatNamed", "-s -n", ""},
-    {"BerkeleyHierNamed", "-s -h -n", ""}, {"PspiceFlat", "-p", "psa"},          {"PspiceHier", "-p -h", "psa"},
-    {"PspiceFlatNamed", "-p -n", "psa"}, {"PspiceHierNamed", "-p -h -n", "psa"}, {"HspiceFlat", "-m", "hsa"},
-    {"HspiceHier", "-m -h", "hsa"},      {"HspiceFlatNamed", "-m -n", "hsa"},    {"HspiceHierNamed", "-m -h -n", "hsa"},
+    {"BerkeleyFlat", "-s", ""},          {"BerkeleyHier", "-s -h", ""},
+    {"BerkeleyFlatNamed", "-s -n", ""},  {"BerkeleyHierNamed", "-s -h -n", ""},
+    {"PspiceFlat", "-p", "psa"},         {"PspiceHier", "-p -h", "psa"},
+    {"PspiceFlatNamed", "-p -n", "psa"}, {"PspiceHierNamed", "-p -h -n", "psa"},
+    {"HspiceFlat", "-m", "hsa"},         {"HspiceHier", "-m -h", "hsa"},
+    {"HspiceFlatNamed", "-m -n", "hsa"}, {"HspiceHierNamed", "-m -h -n", "hsa"},
 };
-
-std::string DeckFileName(const DeckForm& form) { return form.testName; }
 
 class RandomCircuitTest : public ::testing::TestWithParam<uint32_t> {
  protected:
@@ -430,7 +454,7 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
 
   for (const DeckForm& form : kForms) {
     SCOPED_TRACE(form.testName + " (vesk " + form.switches + ")");
-    std::string deckName = DeckFileName(form);
+    std::string deckName = form.testName;
     std::string args = form.switches + " -ganalyses.inc -!" + deckName + " " + design.testBench;
     int rc = RunProgram(BinaryDir() + "/vesk", args, folder_, env, output, errors);
     ASSERT_EQ(rc, 0) << output << errors;
@@ -444,14 +468,18 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
       double want = expected[referenceNode];
       auto found = actual.find(NodeOfNet(dictionary, net));
       if (found == actual.end()) {
-        ADD_FAILURE() << "root net " << net << " (node " << NodeOfNet(dictionary, net) << ") not in the operating point";
+        ADD_FAILURE() << "root net " << net << " (node " << NodeOfNet(dictionary, net)
+                      << ") not in the operating point";
         ++wrong;
       } else if (std::fabs(found->second - want) > 1e-6 * std::max(1.0, std::fabs(want))) {
         ADD_FAILURE() << "root net " << net << ": " << found->second << " V, reference " << want << " V";
         ++wrong;
       }
     }
-    if (wrong) ADD_FAILURE() << run.transcript << "\nreference:\n" << ReadText(folder_ + "/reference.cir") << "\ndesign:\n" << designJson;
+    if (wrong)
+      ADD_FAILURE() << run.transcript << "\nreference:\n"
+                    << ReadText(folder_ + "/reference.cir") << "\ndesign:\n"
+                    << designJson;
   }
 }
 

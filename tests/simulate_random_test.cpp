@@ -147,9 +147,22 @@ class DesignMaker {
       block.ports = dice_.Between(2, 3);
       for (int p = 0; p < block.ports; ++p) AddNet(block, NetKind::Port);
       FillBlock(index, below);
+      HideLabelInFirstPort(design_.blocks[index]);
       level.push_back(index);
     }
     return level;
+  }
+
+  // Makes the first port's label end in the label of another net of the block, all digits: a
+  // lookup that matched labels as substrings of the instance's pin list would take the one for the other.
+  void HideLabelInFirstPort(Block& block) {
+    if (!dice_.Chance(60)) return;
+    std::vector<int> others;
+    for (int i = 1; i < static_cast<int>(block.nets.size()); ++i)
+      if (IsNode(block, i)) others.push_back(i);
+    int other = others[dice_.Below(static_cast<int>(others.size()))];
+    block.nets[other].label = Number();
+    block.nets[0].label = "n" + Number() + "z/" + block.nets[other].label;
   }
 
   // The block's GND, or one of its local nets whose label makes them ground.

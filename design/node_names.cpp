@@ -205,7 +205,9 @@ FlatScope FlatScopeOf(const Tessel::IComp& comp) {
 std::string FlatNetNameOf(const FlatScope& scope, const std::string& label,
                           const Tessel::IteratorT<const Tessel::INet>& net, const PinNodeTable& table) {
   if (scope.hier.empty()) return label;
-  if (scope.hasParent) {
+  // A sub-block's ground stays its own, as in its definition, even where a pin reaches it.
+  const bool ground = label.compare(0, 3, "GND") == 0;
+  if (scope.hasParent && !ground) {
     auto entry = table.find(scope.parentKey);
     if (entry != table.end()) {
       // A search for "label," at the start of an entry of "pin,node;pin,node;": the whole

@@ -188,15 +188,20 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
     path->GetIterComps(compIter);
   else
     block->GetIterComps(compIter, Tessel::eCompAll);
+  // A block can place a hundred thousand components: the list is sized once, and each
+  // component is loaded where it stays.
+  size_t count = 0;
+  for (Tessel::IteratorT<const Tessel::IComp> counter = compIter; counter->IsValid(); counter++) ++count;
+  comps.reserve(comps.size() + count);
   for (; compIter->IsValid(); compIter++) {
     Tessel::BitContainerT<Tessel::ECompType, 1> type;
     compIter->GetType(type);
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
-    SpiceComp comp;
+    SpiceComp& comp = comps.emplace_back();
     comp.uidManager = uidManager;
-    comp.Load(compIter, options, instancePath);
-    comps.push_back(std::move(comp));
+    comp.Load(compIter, options, instancePath, &gatheredAttributes);
   }
+  gatheredAttributes = GatheredAttributesCache();
 }
 
 void SpiceBlock::ScanPorts() {
@@ -205,7 +210,13 @@ void SpiceBlock::ScanPorts() {
   for (; it->IsValid(); it++) {
     SpiceNet port(it);
     if (port.IsConnected()) {
-      for (const SpiceNet& member : port.Members()) NodeName(options, member.name, nodeMap);
+      for (const SpiceNet& member : port.Members()) {
+        // A global net on a port keeps its one name and takes no number.
+        if (member.isGlobal && !IsGroundName(options, member.label))
+          nodeMap[member.name] = GlobalNode(member.label);
+        else
+          NodeName(options, member.name, nodeMap);
+      }
     } else if (!port.Signal().empty()) {
       NodeName(options, port.Signal(), nodeMap);
     } else {

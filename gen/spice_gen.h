@@ -157,6 +157,7 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   int32_t uniqueCounter = 0;
   int loadFailure = kExitDeckWritten;  // set by LoadProject
   bool modelRegistered = false;
+  bool calledNameWritten = false;  // the X line being written already names its sub-circuit
   bool groundSeen = false;
   bool voltageProbeHere = false;
   bool generatorHere = false;

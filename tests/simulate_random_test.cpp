@@ -453,7 +453,7 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
   WriteText(folder_ + "/design.json", designJson);
   WriteText(folder_ + "/galt/standard/vesk.cfg", ReadSourceFile("examples/standard/vesk.cfg"));
   WriteText(folder_ + "/analyses.inc", ".OP\n");
-  std::map<std::string, std::string> env = {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}};
+  const std::map<std::string, std::string>& env = ProjectEnvironment();
   std::string output, errors;
   ASSERT_EQ(RunProgram(BinaryDir() + "/vesk-db", "import design.json", folder_, env, output, errors), 0)
       << errors << designJson;

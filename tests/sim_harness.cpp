@@ -7,8 +7,10 @@
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 #include "tests/deck_harness.h"
 
@@ -117,15 +119,41 @@ std::vector<SimPlot> ParseRawFile(const std::string& text) {
   return plots;
 }
 
+namespace {
+
+/// The distinct `$G_` node names of a deck, in order of first use.
+std::vector<std::string> PspiceGlobalNodes(const std::string& deck) {
+  std::vector<std::string> names;
+  std::set<std::string> seen;
+  std::istringstream words(deck);
+  std::string word;
+  while (words >> word)
+    if (Lower(word).rfind("$g_", 0) == 0 && seen.insert(Lower(word)).second) names.push_back(word);
+  return names;
+}
+
+}  // namespace
+
 SimResult RunNgspice(const std::string& folder, const std::string& deck, const std::string& behavior) {
   SimResult result;
   std::string ngspice = FindOnPath("ngspice");
   std::string raw = deck + ".raw";
   fs::remove(fs::path(folder) / raw);
   WriteText(folder + "/.spiceinit", behavior.empty() ? "" : "set ngbehavior=" + behavior + "\n");
+  // PSpice makes every node whose name begins with $G_ global; ngspice has no such rule, not even
+  // in its PSpice mode. A wrapper supplies it as .global lines and includes the deck untouched.
+  std::string run = deck;
+  std::vector<std::string> globals = behavior == "psa" ? PspiceGlobalNodes(ReadText(folder + "/" + deck))
+                                                      : std::vector<std::string>{};
+  if (!globals.empty()) {
+    run = deck + ".pspice-globals.cir";
+    std::string wrapper = "* " + deck + " with the global nodes PSpice knows by their $G_ names\n.global";
+    for (const std::string& name : globals) wrapper += " " + name;
+    WriteText(folder + "/" + run, wrapper + "\n.include " + deck + "\n.end\n");
+  }
   // HOME points at the folder so that no user's own .spiceinit takes part.
   std::string output, errors;
-  result.rc = RunProgram(ngspice, "-b -r " + raw + " " + deck, folder,
+  result.rc = RunProgram(ngspice, "-b -r " + raw + " " + run, folder,
                          {{"SPICE_ASCIIRAWFILE", "1"}, {"HOME", folder}}, output, errors);
   result.transcript = "ngspice -b " + deck + " in " + folder + " (ngbehavior=" + behavior + "):\n" + output +
                       errors + "\ndeck:\n" + ReadText(folder + "/" + deck);

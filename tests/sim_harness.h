@@ -36,7 +36,8 @@ std::vector<SimPlot> ParseRawFile(const std::string& text);
 
 /// Runs `ngspice -b -r <deck>.raw <deck>` in `folder`, the deck as it stands. ngspice reads a Pspice
 /// or HSPICE deck in its compatibility mode `behavior` ("psa", "hsa"; "" for Berkeley SPICE), which
-/// goes into the folder's .spiceinit, as a designer sets it up.
+/// goes into the folder's .spiceinit, as a designer sets it up. A Pspice deck with `$G_` nodes runs
+/// through a wrapper that declares them global, as PSpice itself does, and includes the deck untouched.
 SimResult RunNgspice(const std::string& folder, const std::string& deck, const std::string& behavior);
 
 /// Net name to node of the root's dictionary ("* Dictionary n" with "* NET = node" or "* NET=node"

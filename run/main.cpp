@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "design/platform.h"
 #include "design/spice_project.h"
 #include "gen/flavours.h"
 #include "gen/spice_gen.h"
@@ -21,15 +22,19 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   if (!gen.LoadProject(group, *project, options)) return 0;
   project->ReleaseWalkState();
   if (gen.ReadConfigFile() != 0) return 1;
+  HoldWorkingFolder();
   gen.OpenCrossReference(group);
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
   // the design's memory goes back before they hold the deck's text.
   gen.Run(*project);
   project.reset();
+  // A deck that could not be written leaves the old one, which the passes must not touch.
+  gen.out.Close();
+  if (gen.out.Failed()) return 1;
   gen.ProbeProcess();
   gen.PostProcess();
-  return 0;
+  return WriteFailureCount() > 0 ? 1 : 0;
 }
 
 int RunAll(int argc, const char* const* argv) {

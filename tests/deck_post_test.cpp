@@ -143,25 +143,26 @@ TEST(DeckPostTest, InstanceParameterFiles) {
       "* Dictionary 3\n* GND=0\n* OUT=2\n* IN = 1\n\n*.END\n\n");
 }
 
-// The new text goes to a file beside the deck; when that name is taken by a folder the
-// passes fail and the deck stays as the generator wrote it, markers and all.
+// The new text goes to a file beside the deck; when the passes cannot write it the deck
+// stays as the generator wrote it, markers and all, and the run fails.
 TEST(DeckPostTest, FailedReplacementLeavesTheWrittenDeck) {
   const char* const design = R"({ "blocks": [ { "name": "TOP", "components": [
     { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
     "definition": { "PREFIX": "R", "ORDER": "VALUE$" },
     "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] } ] } ] })";
   VeskInput input;
-  input.files["TOP.cir.vesk-new/occupied"] = "";
+  input.env["VESK_WRITE_FAULT"] = "folder:TOP.cir:2+";
   input.files["hdr.inc"] = ".tran 1n 10n\n";
   VeskRun run = RunVesk(design, "-h -ghdr.inc TOP", input);
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, "Cannot remove file 'TOP.cir'\n");
+  EXPECT_EQ(run.rc, 1);
+  EXPECT_EQ(run.output,
+            "Error: cannot write TOP.cir: Permission denied\nCannot remove file 'TOP.cir'\n"
+            "Error: cannot write TOP.cir: Permission denied\n");
   EXPECT_EQ(run.deck,
             "* Project TOP\n* Norvane Wirelist Created with Version 6.4.002\n* File created <date>\n\n"
             "* Inifile   :  \n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -h -ghdr.inc TOP \n"
             "* Levels    :  \n*\n.tran 1n 10n\n * next line is a current sense\nR1 1 0 1000.000000\n\n"
             "* Dictionary 2\n* GND = 0\n* IN = 1\n\n*.END\n");
-  EXPECT_TRUE(run.Exists("TOP.cir.vesk-new/occupied"));
 }
 
 }  // namespace

@@ -27,10 +27,10 @@ inline const std::string& EnterScratchFolder() {
   return folder;
 }
 
-/// Writes `text` to `path` (relative to the working folder), making its folder first.
+/// Writes `text` to `path` (relative to the working folder), making its folders first.
 inline void WriteFile(const std::string& path, const std::string& text) {
-  size_t slash = path.find_last_of('/');
-  if (slash != std::string::npos) ::mkdir(path.substr(0, slash).c_str(), 0777);
+  for (size_t slash = path.find('/'); slash != std::string::npos; slash = path.find('/', slash + 1))
+    ::mkdir(path.substr(0, slash).c_str(), 0777);
   std::FILE* file = std::fopen(path.c_str(), "wb");
   if (!file) std::abort();
   std::fwrite(text.data(), 1, text.size(), file);

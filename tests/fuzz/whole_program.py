@@ -184,6 +184,7 @@ def main():
                     f.write(text)
             with open(os.path.join(folder, "design.json"), "w", encoding="utf-8", errors="surrogatepass") as f:
                 json.dump(design, f)
+            group = group.replace("\x00", "")
             args = switches.split() + ([group] if group else [])
             problem, _ = run(os.path.join(bin_dir, "vesk-db"), ["import", "design.json"], folder, env)
             what = "vesk-db import design.json"

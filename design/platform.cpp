@@ -15,6 +15,7 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <vector>
 
 namespace {
 
@@ -79,7 +80,9 @@ bool PathExists(const std::string& path) { return Exists(FileSystemPath(path)); 
 
 void MakeFolder(const std::string& path) {
   if (path.empty()) return;
-  ::mkdir(FileSystemPath(path).c_str(), 0777);
+  const std::string fsPath = FileSystemPath(path);
+  // No folder outside the places files may be written; the file's write reports it.
+  if (WritableLocation(fsPath)) ::mkdir(fsPath.c_str(), 0777);
 }
 
 bool ReadWholeFile(const std::string& path, std::string& text) {
@@ -129,6 +132,58 @@ Fault InjectedFault(const std::string& path) {
 
 int WriteFailureCount() { return writeFailures; }
 
+namespace {
+
+std::vector<std::string>& AllowedFolders() {
+  static std::vector<std::string> folders;
+  return folders;
+}
+
+// `path` made absolute against the working folder, with "." and ".." resolved by name.
+std::string AbsoluteByName(const std::string& path) {
+  std::string full = path;
+  if (full.empty() || full[0] != '/') {
+    char cwd[4096];
+    full = std::string(::getcwd(cwd, sizeof cwd) ? cwd : ".") + "/" + full;
+  }
+  std::vector<std::string> elements;
+  size_t pos = 0;
+  while (pos <= full.size()) {
+    size_t slash = full.find('/', pos);
+    if (slash == std::string::npos) slash = full.size();
+    std::string element = full.substr(pos, slash - pos);
+    pos = slash + 1;
+    if (element.empty() || element == ".") continue;
+    if (element == "..") {
+      if (!elements.empty()) elements.pop_back();
+    } else {
+      elements.push_back(element);
+    }
+  }
+  std::string result;
+  for (const std::string& element : elements) result += "/" + element;
+  return result.empty() ? "/" : result;
+}
+
+bool Within(const std::string& path, const std::string& folder) {
+  return folder == "/" || path == folder ||
+         (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 && path[folder.size()] == '/');
+}
+
+}  // namespace
+
+void AllowWritesUnder(const std::string& folder) {
+  if (!folder.empty()) AllowedFolders().push_back(AbsoluteByName(FileSystemPath(folder)));
+}
+
+bool WritableLocation(const std::string& fsPath) {
+  const std::string path = AbsoluteByName(fsPath);
+  if (Within(path, AbsoluteByName("."))) return true;
+  for (const std::string& folder : AllowedFolders())
+    if (Within(path, folder)) return true;
+  return false;
+}
+
 bool ReplacingFile::Open(const std::string& fsPath) {
   Abandon();
   target_ = fsPath;
@@ -137,6 +192,10 @@ bool ReplacingFile::Open(const std::string& fsPath) {
   fault_ = InjectedFault(fsPath);
   // The process id keeps two runs in one folder off each other's temporary file.
   temporary_ = fsPath + ".vesk-" + std::to_string(::getpid());
+  if (!WritableLocation(fsPath)) {
+    Fail("outside the project folder");
+    return false;
+  }
   if (fault_ == kFolderFault) {
     Fail(EACCES);
     return false;
@@ -183,11 +242,13 @@ void ReplacingFile::Abandon() {
   std::remove(temporary_.c_str());
 }
 
-void ReplacingFile::Fail(int error) {
+void ReplacingFile::Fail(int error) { Fail(std::strerror(error)); }
+
+void ReplacingFile::Fail(const char* reason) {
   if (failed_) return;
   failed_ = true;
   ++writeFailures;
-  std::cout << "Error: cannot write " << target_ << ": " << std::strerror(error) << std::endl;
+  std::cout << "Error: cannot write " << target_ << ": " << reason << std::endl;
 }
 
 void HoldWorkingFolder() {

@@ -53,6 +53,7 @@ class ReplacingFile {
 
  private:
   void Fail(int error);
+  void Fail(const char* reason);
   std::FILE* file_ = nullptr;
   std::string target_, temporary_;
   bool failed_ = false;
@@ -62,6 +63,13 @@ class ReplacingFile {
 
 /// How many writes have failed in this process.
 int WriteFailureCount();
+
+/// Files are written only inside the working folder (the project) and inside the folders
+/// given here: a name from a design or a mapping file that climbs out ("..\..\x", "/tmp/x")
+/// is refused as a write failure. The user's own output folder is allowed this way.
+void AllowWritesUnder(const std::string& folder);
+/// True when `fsPath` lies in the working folder or in an allowed folder (read lexically).
+bool WritableLocation(const std::string& fsPath);
 
 /// Waits until no other run holds the working folder, then holds it until this process
 /// ends: two runs in one project folder write their files one after the other, so each

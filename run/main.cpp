@@ -47,6 +47,11 @@ int RunAll(int argc, const char* const* argv) {
     return 0;
   }
   std::string group = groupArgument;
+  // The output folder and deck name the user gives may lie anywhere; names from the design
+  // may not lead out of the project.
+  AllowWritesUnder(options.outputFolder);
+  if (size_t slash = options.circuitFileName.find_last_of("\\/"); slash != std::string::npos)
+    AllowWritesUnder(options.circuitFileName.substr(0, slash));
   switch (options.wirelistKind) {
     case kKelpo:
       return RunFlavour<CKelpoSpiceGen>(options, group);

@@ -112,11 +112,19 @@ struct Filter {
 
 }  // namespace
 
+bool IsGroundName(const WireOptions& options, const std::string& name) {
+  if (name.compare(0, 3, "GND") == 0) return true;
+  // A flat name "X1\GND": the net of a sub-block is ground there as in its definition.
+  if (!options.flatten) return false;
+  size_t slash = name.rfind('\\');
+  return slash != std::string::npos && name.compare(slash + 1, 3, "GND") == 0;
+}
+
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table) {
   if (name.empty()) return InventNode(table);
   // One lookup finds the entry or makes its place.
   std::string& node = table.try_emplace(name).first->second;
-  if (name.compare(0, 3, "GND") == 0) node = "0";
+  if (IsGroundName(options, name)) node = "0";
   if (node.empty())
     node = options.useNodeNames ? LegalizeName(options, name) : std::to_string(++options.nextNodeNumber);
   return node;
@@ -134,6 +142,16 @@ std::string LegalizeName(const WireOptions& options, const std::string& name) {
   if (filter.result.size() > static_cast<size_t>(options.maxNameChars))
     filter.result.resize(options.maxNameChars);
   return filter.result;
+}
+
+std::string GlobalNodeName(const WireOptions& options, const std::string& label) {
+  // Named as under -n whatever the deck's own choice, so that every definition, and every
+  // model that names the net, meets the same node.
+  // Pspice reads "$G_" in front of a node as global.
+  WireOptions named = options;
+  named.useNodeNames = true;
+  std::string legal = LegalizeName(named, label);
+  return options.wirelistKind == kPspice ? "$G_" + legal : legal;
 }
 
 std::string UniqueName(UsedNames& used, std::string name) {
@@ -187,12 +205,17 @@ FlatScope FlatScopeOf(const Tessel::IComp& comp) {
 std::string FlatNetNameOf(const FlatScope& scope, const std::string& label,
                           const Tessel::IteratorT<const Tessel::INet>& net, const PinNodeTable& table) {
   if (scope.hier.empty()) return label;
-  if (scope.hasParent) {
+  // A sub-block's ground stays its own, as in its definition, even where a pin reaches it.
+  const bool ground = label.compare(0, 3, "GND") == 0;
+  if (scope.hasParent && !ground) {
     auto entry = table.find(scope.parentKey);
     if (entry != table.end()) {
-      // A plain text search for "label," in "pin,node;pin,node;".
+      // A search for "label," at the start of an entry of "pin,node;pin,node;": the whole
+      // pin name, never the tail of a longer one ("X1," inside "RX1,").
       const std::string& pins = entry->second;
-      size_t at = pins.find(label + ",");
+      const std::string head = label + ",";
+      size_t at = pins.find(head);
+      while (at != std::string::npos && at != 0 && pins[at - 1] != ';') at = pins.find(head, at + 1);
       if (at != std::string::npos) {
         size_t begin = at + label.size() + 1;
         size_t end = pins.find(';', begin);

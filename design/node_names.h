@@ -24,8 +24,16 @@ extern int32_t inventedNodes;
 /// else the table's entry, else a new number (options.nextNodeNumber) or legal name.
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table);
 
+/// Whether a net of this name is ground: its label begins with "GND"; in a flat deck also
+/// the last part of a flat name ("X1\\GND").
+bool IsGroundName(const WireOptions& options, const std::string& name);
+
 /// Filters `name` to the characters the chosen simulator accepts, cut to maxNameChars.
 std::string LegalizeName(const WireOptions& options, const std::string& name);
+
+/// The one node text of a global net other than ground, in every block and deck: the
+/// legal name of its label as under -n, with "$G_" in front in a Pspice deck.
+std::string GlobalNodeName(const WireOptions& options, const std::string& label);
 
 /// Returns `name`, or its first character with a counter behind it when the name is
 /// taken in options.usedNames; records the result.

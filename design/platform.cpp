@@ -8,9 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -69,6 +71,29 @@ std::string FileSystemPath(const std::string& path) {
     if (slash < spelled.size()) result += '/';
   }
   return result;
+}
+
+namespace {
+
+bool HasDriveLetter(const std::string& path) {
+  return path.size() >= 2 && path[1] == ':' && std::isalpha(static_cast<unsigned char>(path[0]));
+}
+
+}  // namespace
+
+std::string RelativePath(const std::string& path, const std::string& folder) {
+  namespace fs = std::filesystem;
+  const std::string target = FileSystemPath(path);
+  if (target.empty() || target[0] == '/' || HasDriveLetter(target)) return target;
+  std::error_code error;
+  fs::path here = fs::current_path(error);
+  if (error) here = "/";
+  const std::string start = FileSystemPath(folder);
+  const fs::path from = (start.empty() ? here : here / start).lexically_normal();
+  const fs::path to = (here / target).lexically_normal();
+  fs::path relative = to.lexically_relative(from);
+  if (relative.empty()) return to.generic_string();
+  return relative.generic_string();
 }
 
 bool FileExists(const std::string& path) {

@@ -14,6 +14,12 @@
 /// stay as spelled, so new files and folders are created as written.
 std::string FileSystemPath(const std::string& path);
 
+/// `path` as seen from `folder`, with "/": both are relative to the working folder (in "\" or
+/// "/" form) or absolute. "sym\A.mod" from "genhdl\TOP" gives "../../sym/A.mod", from ""
+/// gives "sym/A.mod". The elements of `path` that exist take their spelling on disk. An
+/// absolute path (a drive letter too) stays absolute, with "/".
+std::string RelativePath(const std::string& path, const std::string& folder);
+
 /// True when a file (not a folder) exists at `path`.
 bool FileExists(const std::string& path);
 /// True when a file or folder exists at `path`.

@@ -188,15 +188,20 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
     path->GetIterComps(compIter);
   else
     block->GetIterComps(compIter, Tessel::eCompAll);
+  // A block can place a hundred thousand components: the list is sized once, and each
+  // component is loaded where it stays.
+  size_t count = 0;
+  for (Tessel::IteratorT<const Tessel::IComp> counter = compIter; counter->IsValid(); counter++) ++count;
+  comps.reserve(comps.size() + count);
   for (; compIter->IsValid(); compIter++) {
     Tessel::BitContainerT<Tessel::ECompType, 1> type;
     compIter->GetType(type);
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
-    SpiceComp comp;
+    SpiceComp& comp = comps.emplace_back();
     comp.uidManager = uidManager;
-    comp.Load(compIter, options, instancePath);
-    comps.push_back(std::move(comp));
+    comp.Load(compIter, options, instancePath, &gatheredAttributes);
   }
+  gatheredAttributes = GatheredAttributesCache();
 }
 
 void SpiceBlock::ScanPorts() {
@@ -205,7 +210,13 @@ void SpiceBlock::ScanPorts() {
   for (; it->IsValid(); it++) {
     SpiceNet port(it);
     if (port.IsConnected()) {
-      for (const SpiceNet& member : port.Members()) NodeName(options, member.name, nodeMap);
+      for (const SpiceNet& member : port.Members()) {
+        // A global net on a port keeps its one name and takes no number.
+        if (member.isGlobal && !IsGroundName(options, member.label))
+          nodeMap[member.name] = GlobalNode(member.label);
+        else
+          NodeName(options, member.name, nodeMap);
+      }
     } else if (!port.Signal().empty()) {
       NodeName(options, port.Signal(), nodeMap);
     } else {
@@ -244,8 +255,9 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   if (!node.empty() && std::atoi(node.c_str()) > 0 && Peek(nodeMap, node).empty())
     nodeMap[n] = LegalizeName(options, node);
   int32_t kind = options.wirelistKind;
-  if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
-    if (kind == kPspice && net.isGlobal && Peek(nodeMap, n).empty()) n = "$G_" + n;
+  if (net.isGlobal && !IsGroundName(options, lb)) {
+    nodeMap[n] = GlobalNode(lb);
+  } else if ((kind == kPspice || kind == kKelpo || kind == kHspice) && options.useNodeNames) {
     if (Peek(nodeMap, n).empty()) nodeMap[n] = LegalizeName(options, n);
   }
   netDictionary[rawBlockName + "/" + Lower(Peek(nodeMap, n))] = net.InternalName();
@@ -264,6 +276,12 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
     std::string& global = globalNets[lb];
     if (global.empty()) global = Peek(nodeMap, n);
   }
+}
+
+const std::string& SpiceBlock::GlobalNode(const std::string& label) {
+  std::string& global = globalNets[label];
+  if (global.empty()) global = GlobalNodeName(options, label);
+  return global;
 }
 
 void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp) {
@@ -294,5 +312,9 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
   SpiceComp flat;
   flat.LoadFlat(comp, options, *pinNodes, &gatheredAttributes);
+  // A global net that only sub-blocks hold has its one name in the flat deck too.
+  for (const PinEntry& pin : flat.PinNets())
+    if (pin.net.IsGlobal() && pin.net.Name() == pin.net.Label() && !IsGroundName(options, pin.net.Label()))
+      nodeMap[pin.net.Name()] = GlobalNode(pin.net.Label());
   comps.push_back(std::move(flat));
 }

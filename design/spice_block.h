@@ -65,6 +65,8 @@ class SpiceBlock {
   void ScanPorts();
   void ScanNets();
   void ScanNet(const SpiceNet& net, const std::string& rawBlockName);
+  /// The node text of a global net other than ground, the same in every block.
+  const std::string& GlobalNode(const std::string& label);
   void CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath);
 };
 

@@ -419,7 +419,7 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 // ---- the two loads ----
 
 void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
-                     const std::string& blockPath) {
+                     const std::string& blockPath, GatheredAttributesCache* gathered) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -434,7 +434,7 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
   text = "";
   comp.GetLabel(text);
   label = text.str();
-  GatherAttributes(comp);
+  GatherAttributesOnce(comp, gathered);
 
   std::string exclude = attrs.Get("EXCLUDE");
   if (EqualIgnoringCase(exclude, "yes") || EqualIgnoringCase(exclude, "shunt")) {
@@ -454,7 +454,15 @@ void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter,
   pinNets.clear();
   FlatScope scope = FlatScopeOf(comp);
   hierName = scope.hier;
+  // The name, as in a hierarchical load: an X line calls its model part, and the
+  // default model of a device is read from it.
   Tessel::String text;
+  comp.GetName(text);
+  name = text.str();
+  text = "";
+  comp.GetPartitionName(text);
+  partitionName = text.str();
+  text = "";
   comp.GetLabel(text);
   label = text.str();
   bareKeys.clear();

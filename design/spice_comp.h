@@ -92,8 +92,9 @@ using GatheredAttributesCache = std::unordered_map<uint64_t, GatheredAttributes>
 class SpiceComp {
  public:
   /// Hierarchical load: exclusion, internal name, model mapping, pins, kind, deck name.
+  /// `gathered` keeps the attributes of each attribute-list pair for the next component.
   void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
-            const std::string& instancePath);
+            const std::string& instancePath, GatheredAttributesCache* gathered = nullptr);
   /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
   /// `gathered` (may be null) keeps the attributes of each list already read.
   void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,

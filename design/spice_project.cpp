@@ -137,8 +137,6 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   Tessel::Result found = Tessel::Result::Fail("not open");
   if (!snapshot.Empty()) found = snapshot->FindBlock(hits, head.empty() ? group : head, Tessel::eSearchPlain);
   if (!found || hits.IsEmpty()) {
-    // Reported once where the lookup fails and once more where the failure is caught.
-    std::cout << "Testbench does not exist \n";
     std::cout << "Testbench does not exist \n";
     return rootBlock;
   }

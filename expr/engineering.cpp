@@ -2,6 +2,7 @@
 #include "expr/engineering.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace {
 
@@ -32,8 +33,14 @@ std::string Format(double scaled, const char* suffix) {
 }  // namespace
 
 std::string FormatEngineering(double number) {
+  // Zero has no scale of its own (and -0 prints as 0): a femto suffix on it reads as a
+  // tiny value to a designer and to nothing else.
+  if (number == 0) return Format(0.0, "");
+  // The suffix follows the magnitude and the quotient keeps the sign, so -5 stays -5.000000
+  // instead of a huge count of femto units.
+  double magnitude = std::fabs(number);
   for (const EngineeringRow& row : kRows) {
-    bool passes = row.limit == 1.0 ? number >= row.limit : number > row.limit;
+    bool passes = row.limit == 1.0 ? magnitude >= row.limit : magnitude > row.limit;
     if (passes) return Format(number / row.divisor, row.suffix);
   }
   return Format(number / 1e-15, "F");

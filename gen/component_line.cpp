@@ -190,7 +190,6 @@ class OrderExpander {
 }  // namespace
 
 void CSpiceGen::EmitComponent(SpiceComp& comp) {
-  if (!comp.HasAttributes()) return;
   if (comp.RefName().empty() && comp.Kind() != 3) return;
   if (flatten && comp.RefName().empty()) {
     std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
@@ -221,8 +220,10 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
   const bool namesCalled = NeedsCalledName(order, comp);
   if (comp.Kind() != 2) {
     char first = comp.RefName().empty() ? '\0' : comp.RefName()[0];
-    if ((first == 'X' || first == 'x') && namesCalled) out << ' ' << ModelPart(comp.Name());
+    calledNameWritten = (first == 'X' || first == 'x') && namesCalled;
+    if (calledNameWritten) out << ' ' << ModelPart(comp.Name());
     ExpandOrder(comp);
+    calledNameWritten = false;
     out << ' ' << lineBody;
   } else {
     if (namesCalled) out << ' ' << comp.ChildBlockName();
@@ -273,8 +274,11 @@ void CSpiceGen::DefaultByPrefix(std::string& body, SpiceComp& comp) {
   const char first = ref.empty() ? '\0' : ref[0];
   if (first != '\0' && std::string("BDJKMQX").find(first) != std::string::npos) {
     std::string model = ModelPart(comp.Name());
-    body += ' ';
-    body += model;
+    // An X line that already calls its sub-circuit by that name does not call it twice.
+    if (!calledNameWritten) {
+      body += ' ';
+      body += model;
+    }
     RegisterModel(model, comp);
     AddNote("*Warning: No Model For " + ref + ".Defaulting  to " + model);
     return;

@@ -121,7 +121,17 @@ void CSpiceGen::WriteModelInclude(const std::string& path) {
     out << "\n" << card->second << "\n";
     return;
   }
-  out << "\n.include \"..\\..\\" << path << "\"\n";
+  out << "\n.include \"" << SimulatorPath(path, "..\\..\\") << "\"\n";
+}
+
+std::string CSpiceGen::DeckFolder() const {
+  size_t slash = circuitPath.find_last_of("\\/");
+  return slash == std::string::npos ? std::string() : circuitPath.substr(0, slash);
+}
+
+std::string CSpiceGen::SimulatorPath(const std::string& projectPath, const std::string& classicPrefix) const {
+  if (WindowsPaths()) return classicPrefix + projectPath;
+  return RelativePath(projectPath, DeckFolder());
 }
 
 void CSpiceGen::WriteHdlIncludes(std::string name) {
@@ -130,12 +140,12 @@ void CSpiceGen::WriteHdlIncludes(std::string name) {
   const bool haveSources = FileExists(sources);
   const bool haveBoundaries = !hdlSpiceSources && FileExists(stem + "_boundaries.cir");
   if (!haveSources && !haveBoundaries) return;
-  const std::string included = "..\\..\\" + stem;
   if (includeSources) {
+    const std::string included = SimulatorPath(sources, "..\\..\\");
     if (hdlSpiceSources)
-      out << ".include \"" << included << "_sources.spi\"\n";
+      out << ".include \"" << included << "\"\n";
     else
-      out << ".include " << included << "_sources.cir\n";
+      out << ".include " << included << "\n";
   }
-  if (haveBoundaries) out << ".include " << included << "_boundaries.cir\n";
+  if (haveBoundaries) out << ".include " << SimulatorPath(stem + "_boundaries.cir", "..\\..\\") << "\n";
 }

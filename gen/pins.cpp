@@ -35,7 +35,7 @@ const std::string& PinListText(const SpiceComp& comp) {
 }  // namespace
 
 void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
-  if (!comp.HasAttributes() || !PinsWanted(comp)) return;
+  if (!PinsWanted(comp)) return;
   const std::string& pinList = PinListText(comp);
   const std::vector<PinEntry>& pinNets = comp.PinNets();
   if (pinList.empty() || pinList == " ") {

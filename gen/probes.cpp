@@ -43,11 +43,12 @@ std::string FlatStatement(const CSpiceGen& gen, const std::string& keyword, cons
   }
 }
 
-// One initial-condition statement: "<word>V([A])=1 V([B])=0 \n"; nothing when empty.
+// One initial-condition statement: "<word>V(3)=1 V([B])=0 \n", each net under the node
+// text the deck gives it (a number, or a name under -n); nothing when empty.
 void WriteConditions(CSpiceGen& gen, const char* word, const std::map<std::string, std::string>& values) {
   std::string line;
-  for (const auto& [label, value] : values)
-    if (!value.empty()) line += ProbeExpression(gen, "V", label) + "=" + value + " ";
+  for (const auto& [net, value] : values)
+    if (!value.empty()) line += ProbeExpression(gen, "V", gen.NodeName(net)) + "=" + value + " ";
   if (!line.empty()) gen.out << word << line << "\n";
 }
 

@@ -58,7 +58,6 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
 
 void CSpiceGen::WriteComponents(SpiceBlock& block) {
   for (SpiceComp& comp : block.Comps()) {
-    if (!comp.HasAttributes()) return;
     if (comp.RefName().empty()) {
       std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
       std::cout << note;

@@ -24,6 +24,18 @@
 #include "post/spice_config.h"
 
 class SpiceReader;
+
+/// Exit statuses of the program. A run that writes its deck ends with 0 whatever the design's
+/// warnings; a run that cannot write one says why, so that a script can tell the cases apart.
+enum ExitStatus {
+  kExitDeckWritten = 0,
+  kExitBadConfiguration = 1,
+  kExitNoGroupGiven = 2,
+  kExitNoDatabase = 3,
+  kExitNoGroup = 4,
+  /// A file of the run could not be written (reported); the file that was there stays.
+  kExitWriteFailed = 5,
+};
 struct SpiceSubckt;
 
 class CSpiceGen : public WireOptions, public SpiceConfig {
@@ -49,13 +61,14 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   int ReadConfigFile();
 
   // ---- run/load_project.cpp ----
+  /// True when the design was loaded; otherwise `loadFailure` says why, as an exit status.
   bool LoadProject(std::string group, SpiceProject& project, WireOptions options);
 
   // ---- gen/spice_gen.cpp: frame of a run ----
   void SetDatabaseName(std::string) { databaseName = "database"; }
   void OpenWirelist(SpiceProject& project);
   void BeginBlock(SpiceBlock& block);
-  /// The component loop of a block: stops at a component without attributes.
+  /// The component loop of a block, a line for every component.
   void WriteComponents(SpiceBlock& block);
   /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
   void WriteDefinitionBody(SpiceBlock& block, const char* endText);
@@ -101,6 +114,12 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
                          std::set<std::string>& files);
   /// The include line (or .model card) of one model file, or the warning that it is missing.
   void WriteModelInclude(const std::string& path);
+  /// The folder of the deck, relative to the working folder ("" for the working folder).
+  std::string DeckFolder() const;
+  /// How the deck names a file the simulator opens, given relative to the project folder:
+  /// under PATHS WINDOWS the classic text `classicPrefix` + `projectPath`, otherwise the path
+  /// from the deck's own folder with "/".
+  std::string SimulatorPath(const std::string& projectPath, const std::string& classicPrefix) const;
 
   // ---- gen/probes.cpp: probe collection and the generator's statements ----
   int CollectProbe(SpiceComp& comp);
@@ -138,7 +157,9 @@ class CSpiceGen : public WireOptions, public SpiceConfig {
   std::map<std::string, std::string> modelFiles;
   std::map<std::string, std::string> netUidMap;
   int32_t uniqueCounter = 0;
+  int loadFailure = kExitDeckWritten;  // set by LoadProject
   bool modelRegistered = false;
+  bool calledNameWritten = false;  // the X line being written already names its sub-circuit
   bool groundSeen = false;
   bool voltageProbeHere = false;
   bool generatorHere = false;

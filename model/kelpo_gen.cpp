@@ -48,7 +48,6 @@ void CKelpoSpiceGen::Run(SpiceProject& project) {
 
   BeginBlock(root);
   for (SpiceComp& comp : root.Comps()) {
-    if (!comp.HasAttributes()) break;
     MapComponentName(comp, root.Name());
     if (comp.excluded) {
       WriteExcludedNote(comp);
@@ -138,7 +137,8 @@ void CKelpoSpiceGen::WriteVerilogInstance(const SpiceComp& comp) {
   if (!useVerilog.empty())
     out << ".use_verilog " << useVerilog << "\n";
   else
-    out << ".verilog " << VerilogFileText(ExpandEnvironmentInPath(comp.Attribute("VERILOG FILE"))) << "\n";
+    out << ".verilog " << SimulatorPath(VerilogFileText(ExpandEnvironmentInPath(comp.Attribute("VERILOG FILE"))), "")
+        << "\n";
 
   const std::string model = comp.Attribute("MODEL");
   out << comp.RefName() << " " << model << " ";

@@ -3,11 +3,6 @@
 
 #include <algorithm>
 
-bool IsSectionHead(const std::string& line, const std::string& model, const std::string& instance) {
-  return !line.empty() && line[0] == '*' && line.find(model) != std::string::npos &&
-         line.find(instance) != std::string::npos;
-}
-
 void ParameterFile::PushLine(std::string text) {
   lines_.push_back(Line{std::move(text), nextOrder_++, false, {}});
   auto line = std::prev(lines_.end());
@@ -61,7 +56,7 @@ std::vector<ParameterFile::LineList::iterator> ParameterFile::FindHeads(const st
   if (!instance.empty() && instance[0] == '$') {
     for (auto key = heads_.lower_bound(instance);
          key != heads_.end() && key->first.compare(0, instance.size(), instance) == 0; ++key) {
-      if (key->second->text.find(model) != std::string::npos) found.push_back(key->second);
+      if (IsSectionHead(key->second->text, model, instance)) found.push_back(key->second);
     }
   } else {
     for (auto line = lines_.begin(); line != lines_.end(); ++line)

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "design/section_head.h"
+
 /// A parameter file's text as lines joined by "\n". Replacing an instance's section costs
 /// the size of that section, not of the file: head lines are indexed by each of their
 /// suffixes that begin with "$", which is how every internal name begins.
@@ -50,6 +52,3 @@ class ParameterFile {
   uint64_t nextOrder_ = 0;
 };
 
-/// True when `line` is a section head of that model and instance: it begins with "*" and
-/// holds both names.
-bool IsSectionHead(const std::string& line, const std::string& model, const std::string& instance);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "design/platform.h"
+#include "design/section_head.h"
 
 namespace {
 
@@ -29,12 +30,21 @@ void ForEachLine(std::string_view text, Take take) {
 
 bool Holds(std::string_view line, std::string_view part) { return line.find(part) != std::string_view::npos; }
 
-// Replaces the last blank-separated word of `line` by `replacement`.
-void ReplaceLastWord(std::string& line, const std::string& replacement) {
+// Replaces the model word of an instance line, its last whole blank-separated occurrence of
+// `model` (parameters behind it keep their place), by `replacement`. A line that does not hold
+// the word gets the replacement behind one blank.
+void ReplaceModelWord(std::string& line, const std::string& model, const std::string& replacement) {
   size_t end = line.find_last_not_of(" \t\r\n");
   line.erase(end == std::string::npos ? 0 : end + 1);
-  size_t blank = line.rfind(' ');
-  if (blank != std::string::npos) line.erase(blank);
+  for (size_t pos = line.rfind(model); pos != std::string::npos && !model.empty();
+       pos = pos == 0 ? std::string::npos : line.rfind(model, pos - 1)) {
+    const size_t after = pos + model.size();
+    const bool whole = (pos == 0 || line[pos - 1] == ' ' || line[pos - 1] == '\t') &&
+                       (after == line.size() || line[after] == ' ' || line[after] == '\t');
+    if (!whole) continue;
+    line.replace(pos, model.size(), replacement);
+    return;
+  }
   line += ' ';
   line += replacement;
 }
@@ -70,7 +80,7 @@ bool ReadParameterSection(const std::string& fileName, std::string modelName, st
   bool inSection = false, kept = false;
   ForEachLine(contents, [&](std::string_view line) {
     if (line.empty()) return true;
-    if (line[0] == '*' && Holds(line, modelName) && Holds(line, internalName)) {
+    if (IsSectionHead(std::string(line), modelName, internalName)) {
       inSection = true;
     } else if (inSection && Holds(line, "*end")) {
       inSection = false;
@@ -87,6 +97,7 @@ bool ReadParameterSection(const std::string& fileName, std::string modelName, st
 std::string LoadInstanceParameters(std::string instanceName, const std::string& modelName, std::string& line,
                                    const std::unordered_map<std::string, std::string>& internalNames,
                                    std::string& currentInstance) {
+  if (modelName.empty()) return std::string();
   const std::string parFile = "sym\\" + modelName + ".par";
   const std::string paramFile = "sym\\" + modelName + "-param.txt";
   if (!FileExists(parFile) && !FileExists(paramFile)) return std::string();
@@ -98,6 +109,6 @@ std::string LoadInstanceParameters(std::string instanceName, const std::string& 
   bool fromSection = ReadParameterSection(paramFile, modelName, internalName, result);
   if (!fromSection) result.clear();
   std::string replacement;
-  if (ReadParFile(parFile, fromSection, replacement, result)) ReplaceLastWord(line, replacement);
+  if (ReadParFile(parFile, fromSection, replacement, result)) ReplaceModelWord(line, modelName, replacement);
   return result;
 }

@@ -12,6 +12,7 @@
 #include "post/device_lines.h"
 #include "post/instance_parameters.h"
 #include "post/line_words.h"
+#include "post/probe_pass.h"
 
 namespace {
 
@@ -219,19 +220,18 @@ void ReadStripWords(SpiceConfig& config) {
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
   std::string result;
   result.reserve(line.size() + 16);
-  std::string lastWord;
   bool first = true;
   for (const std::string& word : WordsWithEnd(line)) {
     if (first && settings.currentInstance.empty()) settings.currentInstance = word;
     first = false;
-    if (!word.empty()) lastWord = word;
     AppendParameterWord(result, word, needsParams, settings);
   }
   std::string tail;
   const std::string& instance = settings.currentInstance;
   if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
-    tail =
-        LoadInstanceParameters(instance, lastWord, result, settings.internalNames, settings.currentInstance);
+    // The model of an instance is the sub-circuit it calls, ahead of any parameters.
+    tail = LoadInstanceParameters(instance, CalledSubckt(result), result, settings.internalNames,
+                                  settings.currentInstance);
   }
   line.swap(result);
   return tail;

@@ -31,7 +31,9 @@ void PspiceStatements(const std::string& key, bool current, const std::string& p
   const std::string& word = settings.printWord;
   const std::string probe = open + path + close;
   if (state.hasAcAnalysis) {
-    text += IsPrint(settings) ? word + " AC " : word + "/CSDF\n ";
+    // .PROBE/CSDF ends its line; the items go on the next one, which a simulator reads as part of
+    // the statement only behind the continuation mark.
+    text += IsPrint(settings) ? word + " AC " : word + "/CSDF\n+ ";
     text += t + "DB" + probe + " " + t + "P" + probe + "\n";
   }
   if (state.hasDcAnalysis && IsPrint(settings)) text += word + " DC " + t + probe + "\n";

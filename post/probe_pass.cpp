@@ -3,6 +3,7 @@
 #include "post/probe_pass.h"
 
 #include <cctype>
+#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -174,10 +175,13 @@ class ProbePass {
   }
 
  private:
-  bool Take(std::string& line) {
-    if (lookAhead_.empty()) return reader_.Read(line);
-    line.swap(lookAhead_);
-    lookAhead_.clear();
+  bool Take(std::string& line) { return Next(line); }
+
+  // The next line of the file: lines read ahead and handed back come first.
+  bool Next(std::string& line) {
+    if (queued_.empty()) return reader_.Read(line);
+    line = std::move(queued_.front());
+    queued_.pop_front();
     return true;
   }
 
@@ -191,26 +195,44 @@ class ProbePass {
   // Joins continuation lines onto `line`; they stay in the file as they were. A blank
   // line read here is dropped, and so is a comment line inside a model card.
   void Join(std::string& line) {
+    std::string ahead;
     while (true) {
-      if (!reader_.Read(lookAhead_) || lookAhead_.empty()) {
-        lookAhead_.clear();
-        return;
-      }
+      if (!Next(ahead) || ahead.empty()) return;
       const bool model = StartsWith(line, ".model");
       if (model) CutAtComment(line);
-      if (lookAhead_[0] == '+') {
-        output_.append(lookAhead_).append("\n");
-        CutAtComment(lookAhead_);
-        line.append(" ").append(lookAhead_, 1, std::string::npos);
-        lookAhead_.clear();
+      if (ahead[0] == '+') {
+        output_.append(ahead).append("\n");
+        CutAtComment(ahead);
+        line.append(" ").append(ahead, 1, std::string::npos);
         continue;
       }
-      if (model && (lookAhead_[0] == '*' || lookAhead_[0] == ';')) {
-        lookAhead_.clear();
-        continue;
-      }
+      if (model && IsCommentLine(ahead) && CommentsInsideCard()) continue;
+      queued_.push_front(std::move(ahead));
       return;
     }
+  }
+
+  static bool IsCommentLine(const std::string& line) { return !line.empty() && (line[0] == '*' || line[0] == ';'); }
+
+  // Called with a comment line read behind a model card: the comment lines from there are
+  // inside the card when a continuation line follows them, and then they are dropped. Otherwise
+  // they stand behind the card (the "*.END" line of a deck whose last lines are model cards)
+  // and are handed back, with the line that ended them, to be read as lines of their own.
+  bool CommentsInsideCard() {
+    std::vector<std::string> held;
+    std::string after;
+    bool more = Next(after);
+    while (more && IsCommentLine(after)) {
+      held.push_back(std::move(after));
+      more = Next(after);
+    }
+    if (more && !after.empty() && after[0] == '+') {
+      queued_.push_front(std::move(after));
+      return true;
+    }
+    if (more) queued_.push_front(std::move(after));
+    for (auto it = held.rbegin(); it != held.rend(); ++it) queued_.push_front(std::move(*it));
+    return false;
   }
 
   void Act(const std::string& line) {
@@ -289,7 +311,7 @@ class ProbePass {
   ProbePassState& state_;
   const PrintSettings& settings_;
   std::string output_;
-  std::string lookAhead_;
+  std::deque<std::string> queued_;  // lines read ahead, to be taken before the file's next
   bool pendingCurrent_ = false;
   std::string subcircuit_;
   std::string subcktPath_;

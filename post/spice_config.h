@@ -31,6 +31,10 @@ struct SpiceConfig {
   std::string breakString = " ";
   /// GND_NAME / VDD_NAME / NAME pairs: net name -> the net whose node it takes.
   std::map<std::string, std::string> nameMap;
+  /// PATHS: how the deck names the files a simulator opens. "NATIVE" (any case; the default):
+  /// relative to the deck's folder with "/"; "WINDOWS": the classic "..\..\sym\x.mod" text.
+  std::string paths = "NATIVE";
+  bool WindowsPaths() const;
   std::string quoteOpen = "'";
   std::string quoteClose = "'";
 

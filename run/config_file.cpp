@@ -47,6 +47,7 @@ const ConfigKey kKeys[] = {
     {"ACCURACY", Form::kNumber, nullptr, &SpiceConfig::accuracy},
     {"CONTINUE", Form::kNextWord, &SpiceConfig::continueString, nullptr},
     {"BREAKSTRING", Form::kBreakString, &SpiceConfig::breakString, nullptr},
+    {"PATHS", Form::kNextWord, &SpiceConfig::paths, nullptr},
 };
 
 // One line cut into its key, the word behind it and everything behind the key's blank.

@@ -19,9 +19,9 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   Flavour gen(options);
   auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
-  if (!gen.LoadProject(group, *project, options)) return 0;
+  if (!gen.LoadProject(group, *project, options)) return gen.loadFailure;
   project->ReleaseWalkState();
-  if (gen.ReadConfigFile() != 0) return 1;
+  if (gen.ReadConfigFile() != 0) return kExitBadConfiguration;
   HoldWorkingFolder();
   gen.OpenCrossReference(group);
   // The generator writes from the walked design itself: nothing reads the project after the
@@ -31,10 +31,10 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   project.reset();
   // A deck that could not be written leaves the old one, which the passes must not touch.
   gen.out.Close();
-  if (gen.out.Failed()) return 1;
+  if (gen.out.Failed()) return kExitWriteFailed;
   gen.ProbeProcess();
   gen.PostProcess();
-  return WriteFailureCount() > 0 ? 1 : 0;
+  return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
 }
 
 int RunAll(int argc, const char* const* argv) {
@@ -44,7 +44,7 @@ int RunAll(int argc, const char* const* argv) {
   options.ParseArguments(&groupArgument, argc, argv);
   if (!groupArgument) {
     std::cout << "Database Required" << std::endl;
-    return 0;
+    return kExitNoGroupGiven;
   }
   std::string group = groupArgument;
   // The output folder and deck name the user gives may lie anywhere; names from the design

@@ -76,6 +76,21 @@ TEST_F(ConfigFileTest, NextWordAndRestOfLineForms) {
   EXPECT_EQ(gen_.accuracy, 0);
 }
 
+// PATHS takes a word; only WINDOWS (any case) asks for the classic path text.
+TEST_F(ConfigFileTest, PathsKeyChoosesTheFormOfSimulatorPaths) {
+  EXPECT_FALSE(gen_.WindowsPaths());  // NATIVE by default
+  const std::pair<const char*, bool> cases[] = {
+      {"PATHS WINDOWS\n", true},  {"PATHS windows extra\n", true}, {"PATHS NATIVE\n", false},
+      {"PATHS\n", false},         {"PATHS WINDOWS7\n", false},     {"paths WINDOWS\n", false},
+      {"PATHS WINDOWS\nPATHS NATIVE\n", false},
+  };
+  for (const auto& [text, windows] : cases) {
+    CSpiceGen gen;
+    EXPECT_EQ(Read(text, gen), 0) << text;
+    EXPECT_EQ(gen.WindowsPaths(), windows) << text;
+  }
+}
+
 TEST_F(ConfigFileTest, KeysAreExactAndLaterLinesWin) {
   EXPECT_EQ(Read("elements R\nELEMENTS R C\n   ELEMENTS   M\n |ELEMENTS X\nADD ELEMENTS Q\nELEMENTSX Y\n"),
             0);

@@ -132,11 +132,20 @@ TEST(FormatEngineeringTest, EachRowAndItsExclusiveLimit) {
       {1e-9, "1000.000000P"},
       {4e-12, "4.000000P"},
       {1e-12, "1000.000000F"},
-      {0, "0.000000F"},
-      {-5, "-5000000000000000.000000F"},
+      {1e-16, "0.100000F"},
+      // Zero has no suffix; a negative number takes the suffix of its magnitude.
+      {0, "0.000000"},
+      {-0.0, "0.000000"},
+      {-5, "-5.000000"},
+      {-1, "-1.000000"},
+      {-2500, "-2.500000K"},
+      {-1e3, "-1000.000000"},
+      {-0.5, "-500.000000M"},
+      {-4e-12, "-4.000000P"},
       {-1e-15, "-1.000000F"},
-      {-1e300, "-infF"},
+      {-3e13, "-30.000000T"},
       {1.0 / 0.0, "infT"},
+      {-1.0 / 0.0, "-infT"},
   };
   for (const auto& [value, text] : cases) EXPECT_EQ(FormatEngineering(value), text) << value;
   EXPECT_EQ(FormatEngineering(1.7976931348623157e308).size(), 297u + 7u + 1u);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "design/probe_text.h"
 
 namespace {
@@ -63,6 +65,35 @@ TEST(NodeName, InventedNodesSkipTextsInUseAndAreNotEntered) {
   EXPECT_EQ(NodeName(o, "", table), "N5");
   EXPECT_EQ(table.count("N1"), 0u);
   EXPECT_EQ(NodeName(o, "GND1", table), "0");  // overrides what the table said
+}
+
+TEST(NodeName, GroundIsALabelThatBeginsWithGndAndInAFlatDeckTheLastPartOfAFlatName) {
+  WireOptions flat = Kind(kPspice, false);
+  flat.flatten = 1;
+  WireOptions hierarchical = Kind(kPspice, false);
+  hierarchical.flatten = 0;
+  const std::tuple<const char*, bool, bool> cases[] = {
+      // name, ground in a flat deck, ground in a hierarchical deck
+      {"GND", true, true},        {"GNDA", true, true},         {"gnd", false, false},
+      {"AGND", false, false},     {"X1\\GND", true, false},     {"X1\\X2\\GNDA", true, false},
+      {"X1\\AGND", false, false}, {"X1\\GND\\B", false, false}, {"X1\\", false, false},
+  };
+  for (const auto& [name, inFlat, inHierarchical] : cases) {
+    EXPECT_EQ(IsGroundName(flat, name), inFlat) << name;
+    EXPECT_EQ(IsGroundName(hierarchical, name), inHierarchical) << name;
+  }
+}
+
+TEST(NodeName, AGlobalNetIsNamedAsUnderNodeNamesWhateverTheDeckNumbers) {
+  WireOptions dracula = Kind(kHspice, false);
+  dracula.dracula = true;
+  const std::tuple<WireOptions, const char*, const char*> cases[] = {
+      {Kind(kPspice, false), "VDD", "$G_VDD"}, {Kind(kPspice, true), "V.REF", "$G_VREF"},
+      {Kind(kPspice, false), "5V", "$G_5V"},   {Kind(kBerkeley, false), "V.REF", "V.REF"},
+      {Kind(kBerkeley, false), "5V", "N5V"},   {Kind(kHspice, false), "VDD", "VDD"},
+      {Kind(kKelpo, false), "VDD", "VDD"},     {dracula, "1V", "N1V"},
+  };
+  for (const auto& [options, label, node] : cases) EXPECT_EQ(GlobalNodeName(options, label), node) << label;
 }
 
 TEST(ProbeText, PspiceBracketsNamedNodes) {

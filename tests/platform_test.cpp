@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <tuple>
 
 namespace fs = std::filesystem;
 
@@ -39,6 +40,27 @@ TEST_F(TempFolder, BackslashesAndCaseAreResolved) {
   // Elements that do not exist stay as spelled.
   EXPECT_EQ(FileSystemPath("sym\\New\\deck.cir"), "Sym/New/deck.cir");
   EXPECT_EQ(FileSystemPath("genhdl\\TOP\\TOP.cir"), "genhdl/TOP/TOP.cir");
+}
+
+// Paths a deck names, from the deck's folder: "/" always, the spelling on disk where the
+// file exists, absolute paths (a drive letter too) unchanged but for the separator.
+TEST_F(TempFolder, RelativePathFromTheDeckFolder) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"sym\\models\\info.xml", "", "Sym/Models/Info.xml"},
+      {"sym\\models\\info.xml", "genhdl\\TOP", "../../Sym/Models/Info.xml"},
+      {"sym/NCH.mod", "genhdl/TOP", "../../Sym/NCH.mod"},
+      {"sym\\NCH.mod", "out", "../Sym/NCH.mod"},
+      {"sym\\NCH.mod", "Sym", "NCH.mod"},
+      {"sym\\NCH.mod", "./a/../b", "../Sym/NCH.mod"},
+      {"genhdl\\TOP\\TOP_sources.cir", "genhdl\\TOP", "TOP_sources.cir"},
+      {"/opt/va/amp.va", "genhdl\\TOP", "/opt/va/amp.va"},
+      {"C:\\va\\amp.va", "genhdl\\TOP", "C:/va/amp.va"},
+      {"", "genhdl\\TOP", ""},
+  };
+  for (const auto& [path, folder, expected] : cases) EXPECT_EQ(RelativePath(path, folder), expected) << path;
+  // A deck folder given absolute meets a path relative to the working folder.
+  EXPECT_EQ(RelativePath("sym\\NCH.mod", (root_ / "genhdl").string()), "../Sym/NCH.mod");
+  EXPECT_EQ(RelativePath("sym\\NCH.mod", "/"), (root_ / "Sym" / "NCH.mod").relative_path().string());
 }
 
 TEST_F(TempFolder, ReplaceFileKeepsOldTextOnFailure) {

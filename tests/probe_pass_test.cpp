@@ -22,10 +22,13 @@ TEST(ProbePassTest, LineLoopCornerCases) {
       {".SUBCKT A 1\nR1 1 0 1\n.ENDS\n\nR2 1 0 1\n", ".SUBCKT A 1\nR1 1 0 1\n.ENDS\n\nR2 1 0 1\n \n"},
       {".subckt A 1\n.ends\nR2 1 0 1", ".subckt A 1\n.ends\n\nR2 1 0 1\n \n"},
       {"R1 1 0 1\r\n\r\n\r\nR2 1 0 1\r\n", "R1 1 0 1\n\nR2 1 0 1\n \n"},
-      // A model card loses its comment lines only, up to the next statement.
-      {".model X NPN (BF=100) * comment\n* note\n; other note\n+ IS=1E-15\n* still inside the card\n"
+      // A model card loses the comment lines inside it, those that a "+" line follows; comment
+      // lines behind its last line stand behind the card and stay.
+      {".model X NPN (BF=100) * comment\n* note\n; other note\n+ IS=1E-15\n* behind the card\n"
        "R1 1 0 1\n* after the card\n",
-       ".model X NPN (BF=100) * comment\n+ IS=1E-15\nR1 1 0 1\n* after the card\n \n"},
+       ".model X NPN (BF=100) * comment\n+ IS=1E-15\n* behind the card\nR1 1 0 1\n* after the card\n \n"},
+      {".model A D\n* one\n* two\n+ IS=1\n.model B D\n* three\n; four\n.model C D\n*.END\n",
+       ".model A D\n+ IS=1\n.model B D\n* three\n; four\n.model C D\n\n*.END\n \n"},
       // Without "*.END" or without an analysis no statement is written.
       {".SUBCKT A 1\n.ENDS\n.SUBCKT A 1\n.ENDS\n* voltage probe on node :  OUT\n.tran 1n 1u\n",
        ".SUBCKT A 1\n.ENDS\n\n.SUBCKT A 1\n.ENDS\n\n.tran 1n 1u\n \n"},

@@ -91,28 +91,28 @@ VeskInput NoConfig() {
   return input;
 }
 
-// Help switches anywhere answer before the database is opened; switches alone name no group;
-// an unknown group (group names are case-sensitive) is reported twice, ahead of a missing
-// configuration. None of them writes a deck.
+// Help switches anywhere answer before the database is opened (status 0); switches alone name no
+// group (status 2); an unknown group (group names are case-sensitive) is reported once, ahead of a
+// missing configuration (status 4). None of them writes a deck.
 TEST(HelpTest, MessagesOfRunsThatWriteNoDeck) {
-  const std::pair<const char*, std::string> cases[] = {
-      {"", kUsage},
-      {"-? mydesign", kUsage},
-      {"mydesign -help", kUsage},
-      {"-helpme", kUsage},
-      {"-n -?x mydesign", kUsage},
-      {"-n -h", "Database Required\n"},
-      {"MyDesign", "Testbench does not exist \nTestbench does not exist \n"},
+  const std::tuple<const char*, std::string, int> cases[] = {
+      {"", kUsage, 0},
+      {"-? mydesign", kUsage, 0},
+      {"mydesign -help", kUsage, 0},
+      {"-helpme", kUsage, 0},
+      {"-n -?x mydesign", kUsage, 0},
+      {"-n -h", "Database Required\n", 2},
+      {"MyDesign", "Testbench does not exist \n", 4},
   };
-  for (const auto& [args, output] : cases) {
+  for (const auto& [args, output, rc] : cases) {
     VeskRun run = RunVesk(kDesign, args);
-    EXPECT_EQ(run.rc, 0) << args;
+    EXPECT_EQ(run.rc, rc) << args;
     EXPECT_EQ(run.output, output) << args;
     EXPECT_FALSE(run.Exists("TOP.cir")) << args;
   }
   VeskRun run = RunVesk(kDesign, "-x NOPE", NoConfig());
-  EXPECT_EQ(run.rc, 0);
-  EXPECT_EQ(run.output, "Testbench does not exist \nTestbench does not exist \n");
+  EXPECT_EQ(run.rc, 4);
+  EXPECT_EQ(run.output, "Testbench does not exist \n");
   EXPECT_FALSE(run.Exists("TOP.cir"));
   EXPECT_FALSE(run.Exists("NOPE.cir"));
   EXPECT_FALSE(run.Exists("NOPE.xrf"));

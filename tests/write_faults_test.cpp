@@ -97,7 +97,7 @@ TEST(WriteFaultTest, EachFailureIsReportedAndLosesNothing) {
       input.files["sym/OpAmp.mod"] = ".SUBCKT opamp IN OUT\nRIN IN OUT 1MEG\n.ENDS\n";
     }
     VeskRun run = RunVesk(fault.kelpo ? kOpAmps : kProbed, args, input);
-    EXPECT_EQ(run.rc, 1) << run.errors;
+    EXPECT_EQ(run.rc, 5) << run.errors;
     EXPECT_NE(run.output.find(fault.message), std::string::npos) << run.output;
     if (fault.oldFileStays) {
       EXPECT_EQ(run.Read(fault.file), old);
@@ -117,7 +117,7 @@ TEST(WriteFaultTest, FailedDeckLeavesNoFile) {
     VeskInput input;
     input.env["VESK_WRITE_FAULT"] = fault;
     VeskRun run = RunVesk(kProbed, "-h TOP", input);
-    EXPECT_EQ(run.rc, 1) << fault;
+    EXPECT_EQ(run.rc, 5) << fault;
     EXPECT_EQ(run.deck, "<no deck>") << fault;
     EXPECT_EQ(run.output.find("Could not open"), std::string::npos) << run.output;
     EXPECT_EQ(LeftOvers(run.folder), "") << fault;
@@ -130,7 +130,7 @@ TEST(WriteFaultTest, DeckFolderThatIsAFile) {
   input.files["genhdl"] = "not a folder\n";
   input.deckPath = "genhdl";
   VeskRun run = RunVesk(kProbed, "-_ -h TOP", input);
-  EXPECT_EQ(run.rc, 1);
+  EXPECT_EQ(run.rc, 5);
   EXPECT_NE(run.output.find("Error: cannot write genhdl/TOP/TOP.cir: Not a directory\n"), std::string::npos)
       << run.output;
   EXPECT_EQ(run.Read("genhdl"), "not a folder\n");
@@ -167,7 +167,7 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
   std::ifstream dbIn(mount / "database/design.sqlite", std::ios::binary);
   std::string db((std::istreambuf_iterator<char>(dbIn)), std::istreambuf_iterator<char>());
   std::string left = LeftOvers(mount.string());
-  EXPECT_EQ(rc, 1) << output << errors;
+  EXPECT_EQ(rc, 5) << output << errors;
   EXPECT_NE(output.find("Error: cannot write TOP.cir: No space left on device"), std::string::npos) << output;
   EXPECT_EQ(deck, kOldDeck);
   EXPECT_TRUE(db == database) << "the database changed";

@@ -1,0 +1,3 @@
+.SUBCKT amp IN OUT
+X1 IN OUT stage
+.ENDS

@@ -1,0 +1,1 @@
+.model NCH NMOS (LEVEL=1 VTO=0.7)

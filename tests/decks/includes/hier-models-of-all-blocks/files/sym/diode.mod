@@ -1,0 +1,1 @@
+.MODEL diode D

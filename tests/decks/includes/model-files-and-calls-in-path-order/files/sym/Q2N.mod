@@ -1,0 +1,1 @@
+.MODEL Q2N NPN(BF=100)

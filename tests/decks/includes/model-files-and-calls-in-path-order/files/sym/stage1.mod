@@ -1,0 +1,3 @@
+.SUBCKT stage1 A B
+R1 A B 1K
+.ENDS

@@ -1,0 +1,7 @@
+.SUBCKT opamp IN OUT
+X1 IN MID stage1
+R1 MID OUT 1K
+.ENDS
+.SUBCKT stage1 A B
+X1 A B leaf
+.ENDS

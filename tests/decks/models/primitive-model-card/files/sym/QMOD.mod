@@ -1,0 +1,1 @@
+.model QMOD NPN (BF=50)

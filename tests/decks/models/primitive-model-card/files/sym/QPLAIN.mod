@@ -1,0 +1,1 @@
+.model QPLAIN NPN (BF=80)

@@ -1,0 +1,3 @@
+.SUBCKT opamp IN OUT
+RIN IN OUT 1MEG
+.ENDS

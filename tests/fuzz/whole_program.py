@@ -131,10 +131,20 @@ def run(program, args, folder, env, timeout=10):
     return None, time.time() - start
 
 
-def outside_files(folder, before):
-    """Files written next to the run folder (a path that escaped the project)."""
-    parent = os.path.dirname(folder)
-    return sorted(set(os.listdir(parent)) - before)
+def outside_files(sandbox, folder):
+    """Paths in the sandbox outside the run folder, which sits three levels down in it, and
+    the palette's absolute names: what a name that escaped the project wrote."""
+    found = []
+    for root, dirs, files in os.walk(sandbox):
+        if os.path.abspath(root) == os.path.abspath(folder):
+            dirs[:] = []
+            continue
+        for name in files:
+            found.append(os.path.join(root, name))
+        if not dirs and not files and root != sandbox and not os.path.abspath(folder).startswith(os.path.abspath(root)):
+            found.append(root)
+    found += [p for p in ("/tmp/x", "/tmp/x.cir", "/tmp/x.xrf") if os.path.exists(p)]
+    return sorted(found)
 
 
 def main():
@@ -172,10 +182,13 @@ def main():
             names = [b.get("name", "TOP") for b in design.get("blocks", []) if isinstance(b, dict)] \
                 if isinstance(design, dict) and isinstance(design.get("blocks"), list) else []
             group = str(rng.choice(names)) if names and rng.random() < 0.9 else rng.choice(PALETTE)
-            folder = os.path.join(sandbox, "run")
-            shutil.rmtree(folder, ignore_errors=True)
+            if names and isinstance(design["blocks"][0], dict) and rng.random() < 0.1:
+                # A root block whose name leads out of the project.
+                group = rng.choice(["..\\..\\x", "../../x", "/tmp/x"])
+                design["blocks"][0]["name"] = group
+            folder = os.path.join(sandbox, "a", "b", "run")
+            shutil.rmtree(os.path.join(sandbox, "a"), ignore_errors=True)
             os.makedirs(os.path.join(folder, "galt", "standard"))
-            before = set(os.listdir(sandbox))
             with open(os.path.join(folder, "galt", "standard", "vesk.cfg"), "w", encoding="utf-8",
                       errors="surrogatepass") as f:
                 f.write(cfg)
@@ -192,7 +205,7 @@ def main():
                 problem, _ = run(os.path.join(bin_dir, "vesk"), args, folder, env)
                 what = "vesk " + " ".join(args)
             if problem is None:
-                escaped = outside_files(folder, before)
+                escaped = outside_files(sandbox, folder)
                 if escaped:
                     problem = "wrote outside the project: %s" % escaped
             runs += 1

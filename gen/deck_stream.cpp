@@ -3,10 +3,10 @@
 
 bool DeckStream::Open(const std::string& fsPath) {
   Close();
-  file_ = std::fopen(fsPath.c_str(), "wb");
   inMemory_ = false;
   buffer_.clear();
-  return file_ != nullptr;
+  failed_ = !file_.Open(fsPath);
+  return !failed_;
 }
 
 void DeckStream::OpenInMemory() {
@@ -16,17 +16,17 @@ void DeckStream::OpenInMemory() {
 }
 
 void DeckStream::Flush() {
-  if (!file_ || buffer_.empty()) return;
-  std::fwrite(buffer_.data(), 1, buffer_.size(), file_);
+  if (!file_.IsOpen() || buffer_.empty()) return;
+  file_.Write(buffer_.data(), buffer_.size());
   buffer_.clear();
 }
 
-void DeckStream::Close() {
-  if (file_) {
+bool DeckStream::Close() {
+  if (file_.IsOpen()) {
     Flush();
-    std::fclose(file_);
-    file_ = nullptr;
+    if (!file_.Commit()) failed_ = true;
   }
   // Text kept in memory stays readable after Close, for tests.
   inMemory_ = false;
+  return !failed_;
 }

@@ -6,27 +6,35 @@
 #include <string>
 #include <string_view>
 
+#include "design/platform.h"
+
 class DeckStream {
  public:
   DeckStream() = default;
-  ~DeckStream() { Close(); }
+  // A file never closed (a run cut short) is dropped; the old file stays.
+  ~DeckStream() = default;
   DeckStream(const DeckStream&) = delete;
   DeckStream& operator=(const DeckStream&) = delete;
 
-  /// Opens `fsPath` for writing, replacing a file there. Returns false on failure; the
-  /// text then goes nowhere, as a failed stream would.
+  /// Opens `fsPath` for writing. The text goes to a file beside it that replaces it at
+  /// Close, so a deck already there stays whole until the new one is complete. Returns
+  /// false on failure; the text then goes nowhere, as a failed stream would.
   bool Open(const std::string& fsPath);
   /// Collects the text in memory only (tests).
   void OpenInMemory();
-  void Close();
-  bool IsOpen() const { return file_ != nullptr || inMemory_; }
+  /// Writes what is left and puts the file in its place; false when the file could not
+  /// be written (the failure is reported and the old file stays).
+  bool Close();
+  bool IsOpen() const { return file_.IsOpen() || inMemory_; }
+  /// True when the last file opened could not be written whole.
+  bool Failed() const { return failed_; }
   /// The text held in memory (OpenInMemory), or what has not been flushed yet.
   const std::string& Text() const { return buffer_; }
 
   DeckStream& operator<<(std::string_view text) {
-    if (file_ || inMemory_) {
+    if (file_.IsOpen() || inMemory_) {
       buffer_.append(text);
-      if (file_ && buffer_.size() > kFlushSize) Flush();
+      if (file_.IsOpen() && buffer_.size() > kFlushSize) Flush();
     }
     return *this;
   }
@@ -40,7 +48,8 @@ class DeckStream {
  private:
   static constexpr size_t kFlushSize = 1 << 20;
   void Flush();
-  std::FILE* file_ = nullptr;
+  ReplacingFile file_;
   bool inMemory_ = false;
+  bool failed_ = false;
   std::string buffer_;
 };

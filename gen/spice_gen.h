@@ -33,6 +33,8 @@ enum ExitStatus {
   kExitNoGroupGiven = 2,
   kExitNoDatabase = 3,
   kExitNoGroup = 4,
+  /// A file of the run could not be written (reported); the file that was there stays.
+  kExitWriteFailed = 5,
 };
 struct SpiceSubckt;
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "design/platform.h"
 #include "design/spice_project.h"
 #include "gen/flavours.h"
 #include "gen/spice_gen.h"
@@ -25,15 +26,19 @@ int RunFlavour(const CSpiceGen& options, const std::string& group) {
   if (!gen.LoadProject(group, *project, options)) return gen.loadFailure;
   project->ReleaseWalkState();
   if (gen.ReadConfigFile() != 0) return kExitBadConfiguration;
+  HoldWorkingFolder();
   gen.OpenCrossReference(group);
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
   // the design's memory goes back before they hold the deck's text.
   gen.Run(*project);
   project.reset();
+  // A deck that could not be written leaves the old one, which the passes must not touch.
+  gen.out.Close();
+  if (gen.out.Failed()) return kExitWriteFailed;
   gen.ProbeProcess();
   gen.PostProcess();
-  return kExitDeckWritten;
+  return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
 }
 
 int RunAll(int argc, const char* const* argv) {
@@ -51,6 +56,11 @@ int RunAll(int argc, const char* const* argv) {
     return kExitNoGroupGiven;
   }
   std::string group = groupArgument;
+  // The output folder and deck name the user gives may lie anywhere; names from the design
+  // may not lead out of the project.
+  AllowWritesUnder(options.outputFolder);
+  if (size_t slash = options.circuitFileName.find_last_of("\\/"); slash != std::string::npos)
+    AllowWritesUnder(options.circuitFileName.substr(0, slash));
   switch (options.wirelistKind) {
     case kKelpo:
       return RunFlavour<CKelpoSpiceGen>(options, group);

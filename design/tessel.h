@@ -63,7 +63,8 @@ struct Index {
 
 enum ECompType { eCompAll = 0, eCompPrimitive = 1, eCompHierarchical = 2 };
 enum EAttributeType { eAttrDefinition = 1, eAttrInstance = 2 };
-enum EGroupType { eGroupInternal = 2 };
+// Callers may ask for a group type the library does not name; every int is a valid value.
+enum EGroupType : int { eGroupInternal = 2 };
 enum ESearchParams { eSearchPlain = 0 };
 
 /// A set of enumeration bits.

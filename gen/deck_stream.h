@@ -1,11 +1,14 @@
-// A buffered text sink for the deck: appends to memory and hands large chunks to the
-// std::ostream it is opened on.
+// DeckStream: a buffered text sink for the deck in front of the std::ostream it is opened on;
+// DeckFile: a file as such a stream, which replaces the file there only once it is complete.
 #pragma once
 
 #include <cstdint>
 #include <ostream>
+#include <streambuf>
 #include <string>
 #include <string_view>
+
+#include "design/platform.h"
 
 class DeckStream {
  public:
@@ -39,4 +42,24 @@ class DeckStream {
   void Flush();
   std::ostream* sink_ = nullptr;
   std::string buffer_;
+};
+
+/// A file written through a std::ostream. The text goes to a file beside the path that
+/// replaces it at Commit, so a file already there stays whole until the new one is complete;
+/// a DeckFile never committed (a run cut short) is dropped.
+class DeckFile : private std::streambuf, public std::ostream {
+ public:
+  DeckFile() : std::ostream(static_cast<std::streambuf*>(this)) {}
+  /// Starts the file that will replace `fsPath`; false (reported) when it cannot be written,
+  /// and the text then goes nowhere.
+  bool Open(const std::string& fsPath);
+  /// Puts the file in its place; false when it could not be written whole (reported; the
+  /// file that was there stays).
+  bool Commit();
+
+ private:
+  std::streambuf::int_type overflow(std::streambuf::int_type c) override;
+  std::streamsize xsputn(const char* text, std::streamsize size) override;
+  ReplacingFile file_;
+  bool failed_ = false;
 };

@@ -1,5 +1,4 @@
 // The dictionary of each block (net name to node text) and the -x side file.
-#include <fstream>
 #include <iostream>
 #include <string_view>
 
@@ -37,8 +36,8 @@ void CSpiceGen::OpenCrossReference(std::string group) {
   const std::string path = group + ".xrf";
   size_t slash = path.find_last_of("\\/");
   if (slash != std::string::npos) MakeFolder(path.substr(0, slash));
-  xrefOut.open(FileSystemPath(path), std::ios::binary | std::ios::trunc);
+  xrefOut.Open(FileSystemPath(path));
   xrefOut << "V 2 0 0\n";
   // Nothing else is ever written to it, so it is complete now.
-  xrefOut.close();
+  xrefOut.Commit();
 }

@@ -35,8 +35,6 @@ std::string OverridingValue(const SpiceComp& comp, const std::string& name) {
 }  // namespace
 
 void CKelpoSpiceGen::Run(SpiceProject& project, std::ostream& deck) {
-  // The design walk is over; the post pass reads the parameter files it produced.
-  FlushParameterFiles();
   RunFrame(project, options.dialect.frame, deck);
   WriteNetUidMap(project.Root().Name(), project.tables.netDictionary);
 }

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <ostream>
@@ -37,6 +36,8 @@ enum ExitStatus {
   kExitNoGroupGiven = 2,
   kExitNoDatabase = 3,
   kExitNoGroup = 4,
+  /// A file of the run could not be written (reported); the file that was there stays.
+  kExitWriteFailed = 5,
 };
 struct SpiceSubckt;
 
@@ -168,7 +169,7 @@ class CSpiceGen {
   std::string currentInstance;
   std::string circuitPath;
   std::string databaseName;
-  std::ofstream xrefOut;
+  DeckFile xrefOut;
   std::map<std::string, std::string> modelFiles;
   std::map<std::string, std::string> netUidMap;
   int32_t uniqueCounter = 0;

@@ -1,6 +1,5 @@
 // The program's entry: options, the chosen generator, the design, the deck and its two passes.
 #include <exception>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -11,6 +10,7 @@
 #include "gen/flavours.h"
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
+#include "model/model_files.h"
 
 #ifndef VESK_VERSION
 #define VESK_VERSION "0.0"
@@ -27,20 +27,25 @@ int RunFlavour(const WireOptions& options, const std::string& group) {
   if (!gen.LoadProject(group, *project, options)) return gen.loadFailure;
   project->ReleaseWalkState();
   if (gen.ReadConfigFile() != 0) return kExitBadConfiguration;
+  HoldWorkingFolder();
   gen.OpenCrossReference(group);
+  // The walk is over; the post pass reads the parameter files it produced (Kelpo).
+  FlushParameterFiles();
   // The deck's file is opened here and handed to the generator, which writes it whole.
   const std::string path = gen.CircuitPathOf(*project);
   MakeDeckFolders(path);
-  std::ofstream deck(FileSystemPath(path), std::ios::binary | std::ios::trunc);
+  DeckFile deck;
+  deck.Open(FileSystemPath(path));
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
   // the design's memory goes back before they hold the deck's text.
   gen.Run(*project, deck);
-  deck.close();
   project.reset();
+  // A deck that could not be written leaves the old one, which the passes must not touch.
+  if (!deck.Commit()) return kExitWriteFailed;
   gen.ProbeProcess();
   gen.PostProcess();
-  return kExitDeckWritten;
+  return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
 }
 
 int RunAll(int argc, const char* const* argv) {
@@ -61,6 +66,11 @@ int RunAll(int argc, const char* const* argv) {
   std::string group = groupArgument;
   WireOptions options = parser.options;
   options.dialect = DialectOf(options);
+  // The output folder and deck name the user gives may lie anywhere; names from the design
+  // may not lead out of the project.
+  AllowWritesUnder(options.outputFolder);
+  if (size_t slash = options.circuitFileName.find_last_of("\\/"); slash != std::string::npos)
+    AllowWritesUnder(options.circuitFileName.substr(0, slash));
   switch (options.dialect.flavour) {
     case DeckFlavour::kKelpo:
       return RunFlavour<CKelpoSpiceGen>(options, group);

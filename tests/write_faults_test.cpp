@@ -1,0 +1,177 @@
+// Write failures of every file a run writes, injected through the platform layer's file
+// writing (VESK_WRITE_FAULT) and, where the machine allows it, a real full file system: each
+// gives a clear message and a non-zero exit, and the deck, parameter file or side file that
+// was there before stays whole.
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "tests/deck_harness.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A resistor with a current probe, so the probe pass has a marker to rework.
+const char* const kProbed = R"({ "blocks": [ { "name": "TOP", "components": [
+    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
+    "definition": { "PREFIX": "R", "ORDER": "VALUE$" },
+    "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] } ] } ] })";
+
+// Two instances of a sub-circuit model with parameters: a Kelpo run writes OpAmp-param.txt
+// and genhdl/TOP/netUidMap beside the deck.
+const char* const kOpAmps = R"({ "groups": { "G1": { "internal_id": "7A" } }, "blocks": [ { "name": "TOP",
+    "components": [
+    { "label": "U1", "name": "OPA", "attributes": { "PART NUMBER": "PN741", "MODEL": "OpAmp", "GAIN": "200" },
+    "definition": { "PREFIX": "X", "ORDER": "MODEL$" }, "group": "G1", "number": 1,
+    "pins": [ { "name": "OUT", "net": "OUT" }, { "name": "IN", "net": "IN" } ] } ] } ] })";
+
+const char* const kOpAmpMapping =
+    R"(<?xml version="1.0"?><ModelsInfo><Part Name="PN741"><Description>operational amplifier</Description>
+<Symbol Name="OPA">
+<Model Name="OpAmp" Library="" ModelFile="" isOstrelCompiled="0" ModType="Subckt">
+<Ports><Port Assigned="1">IN</Port><Port Assigned="1">OUT</Port></Ports><Parameters>
+<Parameter Name="GAIN" Type="" DefValue="100"><Content></Content><Override>gain</Override></Parameter>
+<Parameter Name="RIN" Type="" DefValue="1MEG"><Content>2MEG</Content><Override></Override></Parameter>
+</Parameters></Model></Symbol></Part></ModelsInfo>
+)";
+
+const char kOldDeck[] = "* the deck of an earlier run\n*.END\n";
+
+// Temporary files of a replacement left anywhere in the run folder.
+std::string LeftOvers(const std::string& folder) {
+  std::string found;
+  for (const auto& entry : fs::recursive_directory_iterator(folder))
+    if (entry.path().filename().string().find(".vesk-") != std::string::npos) found += entry.path().string() + " ";
+  return found;
+}
+
+struct WriteFault {
+  const char* what;
+  const char* fault;    // VESK_WRITE_FAULT
+  bool kelpo;           // a Kelpo run (deck in genhdl/TOP/), else a Pspice one
+  const char* file;     // the file that fails, relative to the run folder
+  const char* message;  // the line that names it
+  bool oldFileStays;    // the failing file is one that was there before
+};
+
+TEST(WriteFaultTest, EachFailureIsReportedAndLosesNothing) {
+  const WriteFault faults[] = {
+      {"deck folder not writable", "folder:TOP.cir:1", false, "TOP.cir",
+       "Error: cannot write TOP.cir: Permission denied\n", true},
+      {"disk full writing the deck", "full:TOP.cir:1", false, "TOP.cir",
+       "Error: cannot write TOP.cir: No space left on device\n", true},
+      {"deck rename refused", "rename:TOP.cir:1", false, "TOP.cir", "Error: cannot write TOP.cir: Permission denied\n",
+       true},
+      {"disk full while the probe pass replaces the deck", "full:TOP.cir:2", false, "TOP.cir",
+       "Error: cannot write TOP.cir: No space left on device\nCannot remove file 'TOP.cir'\n", false},
+      {"disk full while the post pass replaces the deck", "full:TOP.cir:3", false, "TOP.cir",
+       "Error: cannot write TOP.cir: No space left on device\n", false},
+      {"disk full writing the cross reference", "full:TOP.xrf", false, "TOP.xrf",
+       "Error: cannot write TOP.xrf: No space left on device\n", true},
+      {"disk full writing a -param.txt file", "full:-param.txt", true, "sym/OpAmp-param.txt",
+       "sym/OpAmp-param.txt: No space left on device\n", true},
+      {"disk full writing the netUidMap", "full:netUidMap", true, "genhdl/TOP/netUidMap",
+       "Error: cannot write genhdl/TOP/netUidMap: No space left on device\n", true},
+      {"Kelpo deck folder not writable", "folder:TOP.cir", true, "genhdl/TOP/TOP.cir",
+       "Error: cannot write genhdl/TOP/TOP.cir: Permission denied\n", true},
+  };
+  for (const WriteFault& fault : faults) {
+    SCOPED_TRACE(fault.what);
+    VeskInput input;
+    input.env["VESK_WRITE_FAULT"] = fault.fault;
+    const std::string old = std::string("* earlier text of ") + fault.file + "\n";
+    input.files[fault.file] = old;
+    std::string args = "-h TOP";
+    if (std::string(fault.file).find(".xrf") != std::string::npos) args = "-x TOP";
+    if (fault.kelpo) {
+      args = "-_ -h TOP";
+      input.deckPath = "genhdl/TOP/TOP.cir";
+      input.files["Sym/Models_Info.xml"] = kOpAmpMapping;
+      input.files["sym/OpAmp.mod"] = ".SUBCKT opamp IN OUT\nRIN IN OUT 1MEG\n.ENDS\n";
+    }
+    VeskRun run = RunVesk(fault.kelpo ? kOpAmps : kProbed, args, input);
+    EXPECT_EQ(run.rc, 5) << run.errors;
+    EXPECT_NE(run.output.find(fault.message), std::string::npos) << run.output;
+    if (fault.oldFileStays) {
+      EXPECT_EQ(run.Read(fault.file), old);
+    }
+    // The deck is the old one or a whole new one, never a part.
+    if (input.deckPath != fault.file || !fault.oldFileStays) {
+      EXPECT_NE(run.deck, old);
+      EXPECT_NE(run.deck.find("*.END"), std::string::npos) << run.deck;
+    }
+    EXPECT_EQ(LeftOvers(run.folder), "");
+  }
+}
+
+// Without an earlier deck a failed deck leaves no file at all; the passes do not run.
+TEST(WriteFaultTest, FailedDeckLeavesNoFile) {
+  for (const char* fault : {"folder:TOP.cir:1", "full:TOP.cir:1", "rename:TOP.cir:1"}) {
+    VeskInput input;
+    input.env["VESK_WRITE_FAULT"] = fault;
+    VeskRun run = RunVesk(kProbed, "-h TOP", input);
+    EXPECT_EQ(run.rc, 5) << fault;
+    EXPECT_EQ(run.deck, "<no deck>") << fault;
+    EXPECT_EQ(run.output.find("Could not open"), std::string::npos) << run.output;
+    EXPECT_EQ(LeftOvers(run.folder), "") << fault;
+  }
+}
+
+// A real failure, without injection: the Kelpo deck's folder "genhdl" is a file.
+TEST(WriteFaultTest, DeckFolderThatIsAFile) {
+  VeskInput input;
+  input.files["genhdl"] = "not a folder\n";
+  input.deckPath = "genhdl";
+  VeskRun run = RunVesk(kProbed, "-_ -h TOP", input);
+  EXPECT_EQ(run.rc, 5);
+  EXPECT_NE(run.output.find("Error: cannot write genhdl/TOP/TOP.cir: Not a directory\n"), std::string::npos)
+      << run.output;
+  EXPECT_EQ(run.Read("genhdl"), "not a folder\n");
+}
+
+// A real full file system: a small tmpfs (root only) holds the project; the earlier deck and
+// the database stay whole when the new deck does not fit.
+TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
+  VeskRun prepared = RunVesk(kProbed, "-h TOP");
+  ASSERT_EQ(prepared.rc, 0) << prepared.output;
+  const fs::path mount = fs::path(prepared.folder).parent_path() / "small";
+  fs::create_directories(mount);
+  if (::geteuid() != 0 || ::mount("tmpfs", mount.c_str(), "tmpfs", 0, "size=4m") != 0)
+    GTEST_SKIP() << "no small file system here (needs root and mount)";
+  // Unmounted however the test ends.
+  std::unique_ptr<const char, void (*)(const char*)> unmount(mount.c_str(), [](const char* path) { ::umount(path); });
+  for (const char* file : {"database/design.sqlite", "galt/standard/vesk.cfg"}) {
+    fs::create_directories((mount / file).parent_path());
+    std::ofstream(mount / file, std::ios::binary) << prepared.Read(file);
+  }
+  const std::string database = prepared.Read("database/design.sqlite");
+  std::ofstream(mount / "TOP.cir") << kOldDeck;
+  {
+    // Fill the rest of the file system.
+    std::ofstream filler(mount / "filler", std::ios::binary);
+    std::string block(4096, 'x');
+    while (filler.write(block.data(), block.size()) && filler.flush()) {
+    }
+  }
+  std::string output, errors;
+  int rc = RunProgram(BinaryDir() + "/vesk", "-h TOP", mount.string(), {{"GALT_HOME", "galt"}}, output, errors);
+  std::ifstream deckIn(mount / "TOP.cir");
+  std::string deck((std::istreambuf_iterator<char>(deckIn)), std::istreambuf_iterator<char>());
+  std::ifstream dbIn(mount / "database/design.sqlite", std::ios::binary);
+  std::string db((std::istreambuf_iterator<char>(dbIn)), std::istreambuf_iterator<char>());
+  std::string left = LeftOvers(mount.string());
+  EXPECT_EQ(rc, 5) << output << errors;
+  EXPECT_NE(output.find("Error: cannot write TOP.cir: No space left on device"), std::string::npos) << output;
+  EXPECT_EQ(deck, kOldDeck);
+  EXPECT_TRUE(db == database) << "the database changed";
+  EXPECT_EQ(left, "");
+}
+
+}  // namespace

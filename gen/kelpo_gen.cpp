@@ -113,7 +113,8 @@ void CKelpoSpiceGen::WriteVerilogInstance(const SpiceComp& comp) {
   if (!useVerilog.empty())
     out << ".use_verilog " << useVerilog << "\n";
   else
-    out << ".verilog " << SimulatorPath(VerilogFileText(ExpandEnvironmentInPath(comp.Attribute("VERILOG FILE"))), "")
+    out << ".verilog "
+        << SimulatorPath(VerilogFileText(ExpandEnvironmentInPath(comp.Attribute("VERILOG FILE"))), "")
         << "\n";
 
   const std::string model = comp.Attribute("MODEL");

@@ -22,9 +22,26 @@ std::string Indexed(const std::string& at, const char* list, size_t index) {
 
 std::string Field(const std::string& at, const std::string& key) { return at.empty() ? key : at + "." + key; }
 
+std::string Field(const DesignBuilder::Where& at, const std::string& key) { return at.Text() + "." + key; }
+
+// The member `key` of an object, or null. Descriptions give keys at most once (the reader refuses a
+// repeated one), and an item has a handful of them: comparing lengths first skips most at once.
+const Json* Member(const Json& obj, std::string_view key) {
+  for (const auto& member : obj.get_ref<const Json::object_t&>()) {
+    if (member.first.size() == key.size() && std::string_view(member.first) == key) return &member.second;
+  }
+  return nullptr;
+}
+
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace
+
+std::string DesignBuilder::Where::Text() const {
+  std::string text = outer ? outer->Text() + "." + list : list;
+  if (index != kNoIndex) text += "[" + std::to_string(index) + "]";
+  return text;
+}
 
 bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
   error_ = where + ": " + what;
@@ -36,8 +53,8 @@ bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
 namespace {
 
 bool ReadTextField(const Json& obj, const char* key, std::string_view& out, bool& present, std::string& what) {
-  auto it = obj.find(key);
-  present = it != obj.end();
+  const Json* it = Member(obj, key);
+  present = it != nullptr;
   if (!present) return true;
   if (!it->is_string()) {
     what = "expected text";
@@ -48,8 +65,8 @@ bool ReadTextField(const Json& obj, const char* key, std::string_view& out, bool
 }
 
 bool ReadIntField(const Json& obj, const char* key, int64_t& out, bool& present, std::string& what) {
-  auto it = obj.find(key);
-  present = it != obj.end();
+  const Json* it = Member(obj, key);
+  present = it != nullptr;
   if (!present) return true;
   if (!it->is_number_integer()) {
     what = "expected a whole number";
@@ -60,8 +77,8 @@ bool ReadIntField(const Json& obj, const char* key, int64_t& out, bool& present,
 }
 
 bool ReadBoolField(const Json& obj, const char* key, bool& out, bool& present, std::string& what) {
-  auto it = obj.find(key);
-  present = it != obj.end();
+  const Json* it = Member(obj, key);
+  present = it != nullptr;
   if (!present) return true;
   if (!it->is_boolean()) {
     what = "expected true or false";
@@ -97,17 +114,18 @@ void DesignBuilder::OpenBlock(size_t block) {
 
 bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Json& item) {
   OpenBlock(block);
-  std::string at = Indexed("blocks[" + std::to_string(block) + "]", KindList(kind), index);
-  if (index >= kMaxPerBlock) return Fail(at, "too many objects of one kind in one block");
-  if (!item.is_object()) return Fail(at, "expected an object");
+  const Where blockAt{nullptr, "blocks", block};
+  const Where at{&blockAt, KindList(kind), index};
+  if (index >= kMaxPerBlock) return Fail(at.Text(), "too many objects of one kind in one block");
+  if (!item.is_object()) return Fail(at.Text(), "expected an object");
   if (kind == ItemKind::kComponent) return AddComponent(at, item);
   if (kind == ItemKind::kNet) return AddNet(at, item);
   return AddPort(at, item);
 }
 
-bool DesignBuilder::ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list) {
-  auto it = item.find(key);
-  if (it == item.end()) return true;
+bool DesignBuilder::ReadAttributes(const Where& at, const Json& item, const char* key, uint32_t& list) {
+  const Json* it = Member(item, key);
+  if (!it) return true;
   if (!it->is_object()) return Fail(Field(at, key), "expected an object");
   std::vector<uint32_t> pairs;
   pairs.reserve(2 * it->size());
@@ -120,7 +138,7 @@ bool DesignBuilder::ReadAttributes(const std::string& at, const Json& item, cons
   return true;
 }
 
-bool DesignBuilder::ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName,
+bool DesignBuilder::ReadGroupAndNumber(const Where& at, const Json& item, uint32_t& groupName,
                                        int32_t& number, uint8_t& hasNumber) {
   VDB_TEXT(item, "group", at, groupName, false);
   int64_t value = 0;
@@ -133,7 +151,7 @@ bool DesignBuilder::ReadGroupAndNumber(const std::string& at, const Json& item, 
   return true;
 }
 
-bool DesignBuilder::AddComponent(const std::string& at, const Json& item) {
+bool DesignBuilder::AddComponent(const Where& at, const Json& item) {
   CompRec c;
   c.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "label", at, c.label, true);
@@ -148,15 +166,15 @@ bool DesignBuilder::AddComponent(const std::string& at, const Json& item) {
   uint32_t child = kNone, group = kNone;
   VDB_TEXT(item, "child", at, child, false);
   if (!ReadAttributes(at, item, "attributes", c.instAttrs)) return false;
-  c.ownDefinition = item.contains("definition") ? 1 : 0;
+  c.ownDefinition = Member(item, "definition") ? 1 : 0;
   if (!ReadAttributes(at, item, "definition", c.defAttrs)) return false;
   if (!ReadGroupAndNumber(at, item, group, c.number, c.hasNumber)) return false;
-  auto pins = item.find("pins");
+  const Json* pins = Member(item, "pins");
   c.pinsBegin = static_cast<uint32_t>(d_.pins.size());
-  if (pins != item.end()) {
+  if (pins) {
     if (!pins->is_array()) return Fail(Field(at, "pins"), "expected a list");
     for (size_t i = 0; i < pins->size(); ++i) {
-      if (!AddPin(Indexed(at, "pins", i), (*pins)[i])) return false;
+      if (!AddPin(Where{&at, "pins", i}, (*pins)[i])) return false;
     }
   }
   c.pinsCount = static_cast<uint32_t>(d_.pins.size() - c.pinsBegin);
@@ -208,15 +226,15 @@ bool DesignBuilder::AddComponentFields(size_t block, size_t index, const Compone
   return true;
 }
 
-bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width,
+bool DesignBuilder::ReadLinks(const Where& at, const Json& item, uint32_t& bus, uint32_t& width,
                               uint32_t& begin, uint32_t& count, uint8_t& connected) {
   uint32_t net = kNone;
   VDB_TEXT(item, "net", at, net, false);
   VDB_TEXT(item, "bus", at, bus, false);
-  bool hasBus = item.contains("bus");
+  bool hasBus = Member(item, "bus") != nullptr;
   begin = static_cast<uint32_t>(d_.links.size());
-  auto nets = item.find("nets");
-  if (nets != item.end()) {
+  const Json* nets = Member(item, "nets");
+  if (nets) {
     if (net != kNone) return Fail(Field(at, "nets"), "give either net or nets, not both");
     if (!nets->is_array()) return Fail(Field(at, "nets"), "expected a list");
     for (size_t i = 0; i < nets->size(); ++i) {
@@ -228,7 +246,7 @@ bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t&
     d_.links.push_back(net);
   }
   count = static_cast<uint32_t>(d_.links.size() - begin);
-  int64_t w = nets != item.end() ? static_cast<int64_t>(count) : 1;
+  int64_t w = nets ? static_cast<int64_t>(count) : 1;
   bool present = false, conn = false;
   std::string what;
   if (!ReadIntField(item, "width", w, present, what)) return Fail(Field(at, "width"), what);
@@ -240,8 +258,8 @@ bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t&
   return true;
 }
 
-bool DesignBuilder::AddPin(const std::string& at, const Json& item) {
-  if (!item.is_object()) return Fail(at, "expected an object");
+bool DesignBuilder::AddPin(const Where& at, const Json& item) {
+  if (!item.is_object()) return Fail(at.Text(), "expected an object");
   PinRec pin;
   VDB_TEXT(item, "name", at, pin.name, true);
   if (!ReadLinks(at, item, pin.bus, pin.width, pin.netsBegin, pin.netsCount, pin.connected)) return false;
@@ -249,7 +267,7 @@ bool DesignBuilder::AddPin(const std::string& at, const Json& item) {
   return true;
 }
 
-bool DesignBuilder::AddPort(const std::string& at, const Json& item) {
+bool DesignBuilder::AddPort(const Where& at, const Json& item) {
   PortRec port;
   port.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "name", at, port.name, true);
@@ -260,7 +278,7 @@ bool DesignBuilder::AddPort(const std::string& at, const Json& item) {
   return true;
 }
 
-bool DesignBuilder::AddNet(const std::string& at, const Json& item) {
+bool DesignBuilder::AddNet(const Where& at, const Json& item) {
   NetRec net;
   net.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "label", at, net.label, true);
@@ -323,8 +341,8 @@ bool DesignBuilder::EndBlock(size_t block, const Json& value) {
   if (!value.is_object()) return Fail(at, "expected an object");
   VDB_TEXT(value, "name", at, d_.blocks[block].name, true);
   for (const char* list : {"components", "nets", "ports"}) {
-    auto it = value.find(list);
-    if (it != value.end() && !it->is_array()) return Fail(Field(at, list), "expected a list");
+    const Json* it = Member(value, list);
+    if (it && !it->is_array()) return Fail(Field(at, list), "expected a list");
   }
   ResolveBlockLinks(block);
   BlockRec& b = d_.blocks[block];
@@ -362,7 +380,7 @@ bool DesignBuilder::ReadSymbols(const Json& root) {
     Json wrapper = Json::object();
     wrapper[name] = value;
     uint32_t list = 0;
-    if (!ReadAttributes("symbols", wrapper, name.c_str(), list)) return false;
+    if (!ReadAttributes(Where{nullptr, "symbols", Where::kNoIndex}, wrapper, name.c_str(), list)) return false;
     uint32_t id = d_.strings.Intern(name);
     symbolOfName_.emplace(id, list);
     d_.symbols.emplace_back(id, list);

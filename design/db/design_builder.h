@@ -44,18 +44,28 @@ class DesignBuilder {
 
   const std::string& Error() const { return error_; }
 
+  /// Where an item or pin sits in the description: a list entry inside an outer place, made into
+  /// text (blocks[1].components[4].pins[0]) only when one of its fields is bad.
+  struct Where {
+    static constexpr size_t kNoIndex = ~size_t(0);
+    const Where* outer;
+    const char* list;  // the list's key, or a plain name when `index` is kNoIndex
+    size_t index;
+    std::string Text() const;
+  };
+
  private:
   bool Fail(const std::string& where, const std::string& what);
   void OpenBlock(size_t block);
-  bool AddComponent(const std::string& at, const Json& item);
-  bool AddNet(const std::string& at, const Json& item);
-  bool AddPort(const std::string& at, const Json& item);
-  bool AddPin(const std::string& at, const Json& item);
-  bool ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
+  bool AddComponent(const Where& at, const Json& item);
+  bool AddNet(const Where& at, const Json& item);
+  bool AddPort(const Where& at, const Json& item);
+  bool AddPin(const Where& at, const Json& item);
+  bool ReadLinks(const Where& at, const Json& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
                  uint32_t& count, uint8_t& connected);
-  bool ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list);
+  bool ReadAttributes(const Where& at, const Json& item, const char* key, uint32_t& list);
   uint32_t InternPairs(const TextPairs& pairs);
-  bool ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName, int32_t& number,
+  bool ReadGroupAndNumber(const Where& at, const Json& item, uint32_t& groupName, int32_t& number,
                           uint8_t& hasNumber);
   void ResolveBlockLinks(size_t block);
   uint32_t NetOfLabel(size_t block, uint32_t label);

@@ -1,6 +1,8 @@
 // Builds the compact design from the checked fields of a JSON description.
 #include "design/db/design_builder.h"
 
+#include <optional>
+
 namespace vdb {
 
 namespace {
@@ -33,6 +35,34 @@ const Json* Member(const Json& obj, std::string_view key) {
   return nullptr;
 }
 
+std::optional<Item> Member(const Item& obj, std::string_view key) {
+  Item member = obj;
+  if (obj.Member(key, member)) return member;
+  return std::nullopt;
+}
+
+std::string_view TextOf(const Json& value) { return value.get_ref<const std::string&>(); }
+std::string_view TextOf(const Item& value) { return value.Text(); }
+int64_t IntOf(const Json& value) { return value.get<int64_t>(); }
+int64_t IntOf(const Item& value) { return value.Int(); }
+bool BoolOf(const Item& value) { return value.Bool(); }
+
+// Calls visit(name, value) for each member of an object, in order, until it returns false.
+template <class Visit>
+bool ForEachMember(const Json& obj, Visit visit) {
+  for (auto& [name, value] : obj.items()) {
+    if (!visit(std::string_view(name), value)) return false;
+  }
+  return true;
+}
+template <class Visit>
+bool ForEachMember(const Item& obj, Visit visit) {
+  for (Item member = obj.First(); member.Valid(); member = member.Next()) {
+    if (!visit(member.Key(), member)) return false;
+  }
+  return true;
+}
+
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace
@@ -52,39 +82,42 @@ bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
 // `present` tells whether the field was there at all.
 namespace {
 
-bool ReadTextField(const Json& obj, const char* key, std::string_view& out, bool& present, std::string& what) {
-  const Json* it = Member(obj, key);
-  present = it != nullptr;
+template <class Value>
+bool ReadTextField(const Value& obj, const char* key, std::string_view& out, bool& present, std::string& what) {
+  auto it = Member(obj, key);
+  present = static_cast<bool>(it);
   if (!present) return true;
   if (!it->is_string()) {
     what = "expected text";
     return false;
   }
-  out = it->get_ref<const std::string&>();
+  out = TextOf(*it);
   return true;
 }
 
-bool ReadIntField(const Json& obj, const char* key, int64_t& out, bool& present, std::string& what) {
-  const Json* it = Member(obj, key);
-  present = it != nullptr;
+template <class Value>
+bool ReadIntField(const Value& obj, const char* key, int64_t& out, bool& present, std::string& what) {
+  auto it = Member(obj, key);
+  present = static_cast<bool>(it);
   if (!present) return true;
   if (!it->is_number_integer()) {
     what = "expected a whole number";
     return false;
   }
-  out = it->get<int64_t>();
+  out = IntOf(*it);
   return true;
 }
 
-bool ReadBoolField(const Json& obj, const char* key, bool& out, bool& present, std::string& what) {
-  const Json* it = Member(obj, key);
-  present = it != nullptr;
+template <class Value>
+bool ReadBoolField(const Value& obj, const char* key, bool& out, bool& present, std::string& what) {
+  auto it = Member(obj, key);
+  present = static_cast<bool>(it);
   if (!present) return true;
   if (!it->is_boolean()) {
     what = "expected true or false";
     return false;
   }
-  out = it->get<bool>();
+  out = BoolOf(*it);
   return true;
 }
 
@@ -112,7 +145,41 @@ void DesignBuilder::OpenBlock(size_t block) {
   }
 }
 
+// Copies a document value into `tree` under `parent`.
+void AddToTree(ItemTree& tree, uint32_t parent, std::string_view key, const Json& value) {
+  using Kind = ItemTree::Kind;
+  Kind kind = value.is_object()            ? Kind::kObject
+              : value.is_array()           ? Kind::kArray
+              : value.is_string()          ? Kind::kText
+              : value.is_boolean()         ? Kind::kBool
+              : value.is_number_unsigned() ? Kind::kUnsigned
+              : value.is_number_integer()  ? Kind::kInt
+              : value.is_number_float()    ? Kind::kFloat
+                                           : Kind::kNull;
+  uint32_t node = tree.Add(parent, kind, key);
+  if (kind == Kind::kText) {
+    const std::string& text = value.get_ref<const std::string&>();
+    uint32_t begin = tree.Keep(text);
+    tree.At(node).textBegin = begin;
+    tree.At(node).textLength = static_cast<uint32_t>(text.size());
+  } else if (kind == Kind::kBool) {
+    tree.At(node).boolean = value.get<bool>();
+  } else if (kind == Kind::kInt || kind == Kind::kUnsigned) {
+    tree.At(node).bits = static_cast<uint64_t>(value.get<int64_t>());
+  } else if (kind == Kind::kObject) {
+    for (auto& [name, member] : value.items()) AddToTree(tree, node, name, member);
+  } else if (kind == Kind::kArray) {
+    for (const Json& member : value) AddToTree(tree, node, {}, member);
+  }
+}
+
 bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Json& item) {
+  jsonItem_.Clear();
+  AddToTree(jsonItem_, ItemTree::kNoNode, {}, item);
+  return AddItem(block, kind, index, jsonItem_.Root());
+}
+
+bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Item& item) {
   OpenBlock(block);
   const Where blockAt{nullptr, "blocks", block};
   const Where at{&blockAt, KindList(kind), index};
@@ -123,22 +190,24 @@ bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Jso
   return AddPort(at, item);
 }
 
-bool DesignBuilder::ReadAttributes(const Where& at, const Json& item, const char* key, uint32_t& list) {
-  const Json* it = Member(item, key);
+template <class Value>
+bool DesignBuilder::ReadAttributes(const Where& at, const Value& item, const char* key, uint32_t& list) {
+  auto it = Member(item, key);
   if (!it) return true;
   if (!it->is_object()) return Fail(Field(at, key), "expected an object");
-  std::vector<uint32_t> pairs;
-  pairs.reserve(2 * it->size());
-  for (auto& [name, value] : it->items()) {
-    if (!value.is_string()) return Fail(Field(Field(at, key), name), "expected text");
-    pairs.push_back(d_.strings.Intern(name));
-    pairs.push_back(d_.strings.Intern(value.get_ref<const std::string&>()));
-  }
-  list = d_.attrs.Intern(pairs);
+  pairs_.clear();
+  bool ok = ForEachMember(*it, [&](std::string_view name, const auto& value) {
+    if (!value.is_string()) return Fail(Field(Field(at, key), std::string(name)), "expected text");
+    pairs_.push_back(d_.strings.Intern(name));
+    pairs_.push_back(d_.strings.Intern(TextOf(value)));
+    return true;
+  });
+  if (!ok) return false;
+  list = d_.attrs.Intern(pairs_);
   return true;
 }
 
-bool DesignBuilder::ReadGroupAndNumber(const Where& at, const Json& item, uint32_t& groupName,
+bool DesignBuilder::ReadGroupAndNumber(const Where& at, const Item& item, uint32_t& groupName,
                                        int32_t& number, uint8_t& hasNumber) {
   VDB_TEXT(item, "group", at, groupName, false);
   int64_t value = 0;
@@ -151,7 +220,7 @@ bool DesignBuilder::ReadGroupAndNumber(const Where& at, const Json& item, uint32
   return true;
 }
 
-bool DesignBuilder::AddComponent(const Where& at, const Json& item) {
+bool DesignBuilder::AddComponent(const Where& at, const Item& item) {
   CompRec c;
   c.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "label", at, c.label, true);
@@ -166,15 +235,16 @@ bool DesignBuilder::AddComponent(const Where& at, const Json& item) {
   uint32_t child = kNone, group = kNone;
   VDB_TEXT(item, "child", at, child, false);
   if (!ReadAttributes(at, item, "attributes", c.instAttrs)) return false;
-  c.ownDefinition = Member(item, "definition") ? 1 : 0;
+  c.ownDefinition = Member(item, "definition").has_value() ? 1 : 0;
   if (!ReadAttributes(at, item, "definition", c.defAttrs)) return false;
   if (!ReadGroupAndNumber(at, item, group, c.number, c.hasNumber)) return false;
-  const Json* pins = Member(item, "pins");
+  auto pins = Member(item, "pins");
   c.pinsBegin = static_cast<uint32_t>(d_.pins.size());
   if (pins) {
     if (!pins->is_array()) return Fail(Field(at, "pins"), "expected a list");
-    for (size_t i = 0; i < pins->size(); ++i) {
-      if (!AddPin(Where{&at, "pins", i}, (*pins)[i])) return false;
+    size_t i = 0;
+    for (Item pin = pins->First(); pin.Valid(); pin = pin.Next(), ++i) {
+      if (!AddPin(Where{&at, "pins", i}, pin)) return false;
     }
   }
   c.pinsCount = static_cast<uint32_t>(d_.pins.size() - c.pinsBegin);
@@ -226,21 +296,21 @@ bool DesignBuilder::AddComponentFields(size_t block, size_t index, const Compone
   return true;
 }
 
-bool DesignBuilder::ReadLinks(const Where& at, const Json& item, uint32_t& bus, uint32_t& width,
+bool DesignBuilder::ReadLinks(const Where& at, const Item& item, uint32_t& bus, uint32_t& width,
                               uint32_t& begin, uint32_t& count, uint8_t& connected) {
   uint32_t net = kNone;
   VDB_TEXT(item, "net", at, net, false);
   VDB_TEXT(item, "bus", at, bus, false);
-  bool hasBus = Member(item, "bus") != nullptr;
+  bool hasBus = Member(item, "bus").has_value();
   begin = static_cast<uint32_t>(d_.links.size());
-  const Json* nets = Member(item, "nets");
+  auto nets = Member(item, "nets");
   if (nets) {
     if (net != kNone) return Fail(Field(at, "nets"), "give either net or nets, not both");
     if (!nets->is_array()) return Fail(Field(at, "nets"), "expected a list");
-    for (size_t i = 0; i < nets->size(); ++i) {
-      const Json& label = (*nets)[i];
+    size_t i = 0;
+    for (Item label = nets->First(); label.Valid(); label = label.Next(), ++i) {
       if (!label.is_string()) return Fail(Field(at, "nets[" + std::to_string(i) + "]"), "expected text");
-      d_.links.push_back(d_.strings.Intern(label.get_ref<const std::string&>()));
+      d_.links.push_back(d_.strings.Intern(label.Text()));
     }
   } else if (net != kNone) {
     d_.links.push_back(net);
@@ -258,7 +328,7 @@ bool DesignBuilder::ReadLinks(const Where& at, const Json& item, uint32_t& bus, 
   return true;
 }
 
-bool DesignBuilder::AddPin(const Where& at, const Json& item) {
+bool DesignBuilder::AddPin(const Where& at, const Item& item) {
   if (!item.is_object()) return Fail(at.Text(), "expected an object");
   PinRec pin;
   VDB_TEXT(item, "name", at, pin.name, true);
@@ -267,7 +337,7 @@ bool DesignBuilder::AddPin(const Where& at, const Json& item) {
   return true;
 }
 
-bool DesignBuilder::AddPort(const Where& at, const Json& item) {
+bool DesignBuilder::AddPort(const Where& at, const Item& item) {
   PortRec port;
   port.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "name", at, port.name, true);
@@ -278,7 +348,7 @@ bool DesignBuilder::AddPort(const Where& at, const Json& item) {
   return true;
 }
 
-bool DesignBuilder::AddNet(const Where& at, const Json& item) {
+bool DesignBuilder::AddNet(const Where& at, const Item& item) {
   NetRec net;
   net.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "label", at, net.label, true);

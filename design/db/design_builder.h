@@ -9,10 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include "design/db/design_model.h"
+#include "design/db/item_tree.h"
 
 namespace vdb {
 
 using Json = nlohmann::ordered_json;
+using Item = ItemTree::Value;
 
 enum class ItemKind { kComponent, kNet, kPort };
 
@@ -35,6 +37,7 @@ class DesignBuilder {
  public:
   explicit DesignBuilder(Design& design) : d_(design) {}
 
+  bool AddItem(size_t block, ItemKind kind, size_t index, const Item& item);
   bool AddItem(size_t block, ItemKind kind, size_t index, const Json& item);
   bool AddComponentFields(size_t block, size_t index, const ComponentFields& fields);
   bool EndBlock(size_t block, const Json& value);
@@ -57,15 +60,16 @@ class DesignBuilder {
  private:
   bool Fail(const std::string& where, const std::string& what);
   void OpenBlock(size_t block);
-  bool AddComponent(const Where& at, const Json& item);
-  bool AddNet(const Where& at, const Json& item);
-  bool AddPort(const Where& at, const Json& item);
-  bool AddPin(const Where& at, const Json& item);
-  bool ReadLinks(const Where& at, const Json& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
+  bool AddComponent(const Where& at, const Item& item);
+  bool AddNet(const Where& at, const Item& item);
+  bool AddPort(const Where& at, const Item& item);
+  bool AddPin(const Where& at, const Item& item);
+  bool ReadLinks(const Where& at, const Item& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
                  uint32_t& count, uint8_t& connected);
-  bool ReadAttributes(const Where& at, const Json& item, const char* key, uint32_t& list);
+  template <class Value>
+  bool ReadAttributes(const Where& at, const Value& item, const char* key, uint32_t& list);
   uint32_t InternPairs(const TextPairs& pairs);
-  bool ReadGroupAndNumber(const Where& at, const Json& item, uint32_t& groupName, int32_t& number,
+  bool ReadGroupAndNumber(const Where& at, const Item& item, uint32_t& groupName, int32_t& number,
                           uint8_t& hasNumber);
   void ResolveBlockLinks(size_t block);
   uint32_t NetOfLabel(size_t block, uint32_t label);
@@ -87,6 +91,8 @@ class DesignBuilder {
   std::unordered_map<uint32_t, uint32_t> blockOfName_, groupOfName_, symbolOfName_;
   std::vector<std::pair<uint32_t, std::string>> testbenchTargets_;
   std::string snapshot_;
+  std::vector<uint32_t> pairs_;  // the attribute list being read
+  ItemTree jsonItem_;            // an item given as a document value, copied
 };
 
 }  // namespace vdb

@@ -46,6 +46,8 @@ class DesignBuilder {
   bool Finish(const std::string& snapshot);
 
   const std::string& Error() const { return error_; }
+  /// Tells that `text` is to be interned soon, with the item it is part of.
+  void Prefetch(std::string_view text) const { d_.strings.Prefetch(text); }
 
   /// Where an item or pin sits in the description: a list entry inside an outer place, made into
   /// text (blocks[1].components[4].pins[0]) only when one of its fields is bad.

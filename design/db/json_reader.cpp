@@ -40,6 +40,7 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     if (!InItem()) return Value(Json(std::move(val)));
     uint32_t node = Place(ItemTree::Kind::kText);
     uint32_t begin = items_.Keep(val);
+    builder_.Prefetch(val);  // while the rest of the item is read
     items_.At(node).textBegin = begin;
     items_.At(node).textLength = static_cast<uint32_t>(val.size());
     return Done();

@@ -237,7 +237,9 @@ bool DesignBuilder::AddComponent(const Where& at, const Item& item) {
   if (!ReadAttributes(at, item, "attributes", c.instAttrs)) return false;
   c.ownDefinition = Member(item, "definition").has_value() ? 1 : 0;
   if (!ReadAttributes(at, item, "definition", c.defAttrs)) return false;
-  if (!ReadGroupAndNumber(at, item, group, c.number, c.hasNumber)) return false;
+  uint8_t hasNumber = 0;
+  if (!ReadGroupAndNumber(at, item, group, c.number, hasNumber)) return false;
+  c.hasNumber = hasNumber;
   auto pins = Member(item, "pins");
   c.pinsBegin = static_cast<uint32_t>(d_.pins.size());
   if (pins) {
@@ -247,6 +249,7 @@ bool DesignBuilder::AddComponent(const Where& at, const Item& item) {
       if (!AddPin(Where{&at, "pins", i}, pin)) return false;
     }
   }
+  if (d_.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return Fail(Field(at, "pins"), "too many pins");
   c.pinsCount = static_cast<uint32_t>(d_.pins.size() - c.pinsBegin);
   d_.comps.push_back(c);
   d_.blocks.back().compsEnd = static_cast<uint32_t>(d_.comps.size());
@@ -332,7 +335,12 @@ bool DesignBuilder::AddPin(const Where& at, const Item& item) {
   if (!item.is_object()) return Fail(at.Text(), "expected an object");
   PinRec pin;
   VDB_TEXT(item, "name", at, pin.name, true);
-  if (!ReadLinks(at, item, pin.bus, pin.width, pin.netsBegin, pin.netsCount, pin.connected)) return false;
+  uint32_t count = 0;
+  uint8_t connected = 0;
+  if (!ReadLinks(at, item, pin.bus, pin.width, pin.netsBegin, count, connected)) return false;
+  if (count >= kMaxPinsOrNets) return Fail(Field(at, "nets"), "too many nets");
+  pin.netsCount = count;
+  pin.connected = connected;
   d_.pins.push_back(pin);
   return true;
 }

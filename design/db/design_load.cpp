@@ -79,6 +79,13 @@ bool LoadMeta(SqliteDb& db, Design& d) {
 }
 
 bool LoadStrings(SqliteDb& db, Design& d) {
+  // Room for every text at once. A chunk holds up to kChunkItems texts of at least their 4-byte
+  // length each, which bounds what a damaged file can make us reserve.
+  SqliteStmt count(db, "SELECT count(*), sum(length(data)) FROM strings");
+  if (!count.Row()) return false;
+  uint64_t texts = std::min<uint64_t>(static_cast<uint64_t>(count.Int(0)) * uint64_t{kChunkItems},
+                                      static_cast<uint64_t>(count.Int(1)) / 4);
+  d.strings.Reserve(static_cast<size_t>(std::min<uint64_t>(texts + 1, kNone)));
   SqliteStmt query(db, "SELECT data FROM strings ORDER BY chunk");
   while (query.Row()) {
     size_t size = 0;
@@ -227,15 +234,17 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
   c.pinsBegin = static_cast<uint32_t>(d.pins.size());
   while (!reader.Done()) {
     PinRec pin;
-    uint32_t connected = 0;
+    uint32_t connected = 0, count = 0;
     if (!reader.Word(pin.name) || !reader.Word(pin.bus) || !reader.Word(pin.width) || !reader.Word(connected) ||
-        !reader.Word(pin.netsCount))
+        !reader.Word(count) || count >= kMaxPinsOrNets)
       return false;
     pin.connected = connected != 0;
+    pin.netsCount = count;
     pin.netsBegin = static_cast<uint32_t>(d.links.size());
     if (!ReadLinks(reader, pin.netsCount, d)) return false;
     d.pins.push_back(pin);
   }
+  if (d.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return false;
   c.pinsCount = static_cast<uint32_t>(d.pins.size() - c.pinsBegin);
   return true;
 }
@@ -249,6 +258,7 @@ bool LoadComps(SqliteDb& db, Design& d) {
     if (query.Int(0) != index) return false;
     if (!OwnerMatches(d, query.Int(1), index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
     CompRec c;
+    uint8_t hasNumber = 0;
     c.block = static_cast<uint32_t>(query.Int(1));
     c.ownDefinition = query.Int(9) != 0;
     // Type bits are any 32-bit value, all ones included.
@@ -256,8 +266,9 @@ bool LoadComps(SqliteDb& db, Design& d) {
     c.type = static_cast<uint32_t>(query.Int(5));
     if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
         !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) || !ReadId(query, 8, c.defAttrs) ||
-        !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, c.hasNumber))
+        !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, hasNumber))
       return false;
+    c.hasNumber = hasNumber;
     size_t size = 0;
     const unsigned char* blob = query.Blob(12, size);  // sets `size`, so it must come first
     WordReader reader(blob, size);

@@ -32,6 +32,11 @@ class StringPool {
   const char* CStr(uint32_t id) const { return texts_[id]; }
   uint32_t Size() const { return static_cast<uint32_t>(texts_.size()); }
   bool Valid(uint32_t id) const { return id < texts_.size(); }
+  /// Makes room for `count` texts in all, so that growing does not leave up to half the lists unused.
+  void Reserve(size_t count) {
+    texts_.reserve(count);
+    lengths_.reserve(count);
+  }
   /// Drops the lookup index once no more interning is needed.
   void ReleaseIndex();
 

@@ -364,9 +364,14 @@ bool DesignBuilder::AddNet(const Where& at, const Item& item) {
   std::string what;
   if (!ReadBoolField(item, "global", global, present, what)) return Fail(Field(at, "global"), what);
   net.global = global ? 1 : 0;
-  if (!ReadAttributes(at, item, "attributes", net.attrs)) return false;
+  uint32_t attrs = 0;
+  if (!ReadAttributes(at, item, "attributes", attrs)) return false;
+  if (attrs >= kMaxNetAttrList) return Fail(Field(at, "attributes"), "too many different attribute lists");
+  net.attrs = attrs;
   uint32_t group = kNone;
-  if (!ReadGroupAndNumber(at, item, group, net.number, net.hasNumber)) return false;
+  uint8_t hasNumber = 0;
+  if (!ReadGroupAndNumber(at, item, group, net.number, hasNumber)) return false;
+  net.hasNumber = hasNumber;
   d_.nets.push_back(net);
   d_.blocks.back().netsEnd = static_cast<uint32_t>(d_.nets.size());
   declaredNets_.back()++;

@@ -189,9 +189,13 @@ bool LoadNets(SqliteDb& db, Design& d) {
     NetRec n;
     n.block = static_cast<uint32_t>(query.Int(1));
     n.global = query.Int(3) != 0;
-    if (!ReadId(query, 2, n.label) || !ReadId(query, 4, n.attrs) || !ReadOptionalId(query, 5, n.group) ||
-        !ReadNumber(query, 6, n.number, n.hasNumber))
+    uint32_t attrs = 0;
+    uint8_t hasNumber = 0;
+    if (!ReadId(query, 2, n.label) || !ReadId(query, 4, attrs) || attrs >= kMaxNetAttrList ||
+        !ReadOptionalId(query, 5, n.group) || !ReadNumber(query, 6, n.number, hasNumber))
       return false;
+    n.attrs = attrs;
+    n.hasNumber = hasNumber;
     d.nets.push_back(n);
   }
   return query.Finished();

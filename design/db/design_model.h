@@ -42,14 +42,18 @@ struct PortRec {
   uint8_t connected = 0;
 };
 
+/// Attribute lists of a net are numbered below this (the number shares a word with flags).
+constexpr uint32_t kMaxNetAttrList = 1u << 30;
+
 struct NetRec {
+  NetRec() : attrs(0), global(0), hasNumber(0) {}
   uint32_t block = 0;
   uint32_t label = 0;
-  uint32_t attrs = 0;
+  uint32_t attrs : 30;
+  uint32_t global : 1;
+  uint32_t hasNumber : 1;
   uint32_t group = kNone;
   int32_t number = 0;
-  uint8_t global = 0;
-  uint8_t hasNumber = 0;
 };
 
 struct CompRec {

@@ -46,21 +46,28 @@ bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
   return true;
 }
 
-// An index that may be absent (NULL): kNone then.
+// An index that may be absent (NULL): kNone then. Each column is asked its type once: a million
+// rows make every call to SQLite count.
 bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
-  if (query.IsNull(col)) {
+  int type = query.Type(col);
+  if (type == SQLITE_NULL) {
     id = kNone;
     return true;
   }
-  return ReadId(query, col, id);
+  if (type != SQLITE_INTEGER) return false;
+  int64_t value = query.Int(col);
+  if (value < 0 || value >= kNone) return false;
+  id = static_cast<uint32_t>(value);
+  return true;
 }
 
 // A signed number stored in 32 bits, or NULL when `present` may be false.
 bool ReadNumber(const SqliteStmt& query, int col, int32_t& number, uint8_t& present) {
-  present = !query.IsNull(col);
+  int type = query.Type(col);
+  present = type != SQLITE_NULL;
   number = 0;
   if (!present) return true;
-  if (!query.IsInteger(col)) return false;
+  if (type != SQLITE_INTEGER) return false;
   int64_t value = query.Int(col);
   if (value < INT32_MIN || value > INT32_MAX) return false;
   number = static_cast<int32_t>(value);
@@ -185,9 +192,10 @@ bool LoadNets(SqliteDb& db, Design& d) {
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.nets.size());
     if (query.Int(0) != index) return false;
-    if (!OwnerMatches(d, query.Int(1), index, &BlockRec::netsBegin, &BlockRec::netsEnd)) return false;
+    int64_t block = query.Int(1);
+    if (!OwnerMatches(d, block, index, &BlockRec::netsBegin, &BlockRec::netsEnd)) return false;
     NetRec n;
-    n.block = static_cast<uint32_t>(query.Int(1));
+    n.block = static_cast<uint32_t>(block);
     n.global = query.Int(3) != 0;
     uint32_t attrs = 0;
     uint8_t hasNumber = 0;
@@ -215,9 +223,10 @@ bool LoadPorts(SqliteDb& db, Design& d) {
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.ports.size());
     if (query.Int(0) != index) return false;
-    if (!OwnerMatches(d, query.Int(1), index, &BlockRec::portsBegin, &BlockRec::portsEnd)) return false;
+    int64_t block = query.Int(1);
+    if (!OwnerMatches(d, block, index, &BlockRec::portsBegin, &BlockRec::portsEnd)) return false;
     PortRec p;
-    p.block = static_cast<uint32_t>(query.Int(1));
+    p.block = static_cast<uint32_t>(block);
     p.connected = query.Int(5) != 0;
     if (!ReadId(query, 2, p.name) || !ReadId(query, 3, p.bus) || !ReadId(query, 4, p.width) ||
         !ReadId(query, 6, p.attrs))
@@ -260,14 +269,17 @@ bool LoadComps(SqliteDb& db, Design& d) {
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.comps.size());
     if (query.Int(0) != index) return false;
-    if (!OwnerMatches(d, query.Int(1), index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
+    int64_t block = query.Int(1);
+    if (!OwnerMatches(d, block, index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
     CompRec c;
     uint8_t hasNumber = 0;
-    c.block = static_cast<uint32_t>(query.Int(1));
+    c.block = static_cast<uint32_t>(block);
     c.ownDefinition = query.Int(9) != 0;
     // Type bits are any 32-bit value, all ones included.
-    if (!query.IsInteger(5) || query.Int(5) < 0 || query.Int(5) > UINT32_MAX) return false;
-    c.type = static_cast<uint32_t>(query.Int(5));
+    if (!query.IsInteger(5)) return false;
+    int64_t type = query.Int(5);
+    if (type < 0 || type > UINT32_MAX) return false;
+    c.type = static_cast<uint32_t>(type);
     if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
         !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) || !ReadId(query, 8, c.defAttrs) ||
         !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, hasNumber))

@@ -61,6 +61,7 @@ class SqliteStmt {
   }
   int64_t Int(int col) const { return sqlite3_column_int64(stmt_, col); }
   bool IsNull(int col) const { return sqlite3_column_type(stmt_, col) == SQLITE_NULL; }
+  int Type(int col) const { return sqlite3_column_type(stmt_, col); }
   bool IsInteger(int col) const { return sqlite3_column_type(stmt_, col) == SQLITE_INTEGER; }
   std::string Text(int col) const {
     const unsigned char* text = sqlite3_column_text(stmt_, col);

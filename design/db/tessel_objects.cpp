@@ -37,7 +37,7 @@ void ListGroup(Tessel::ListT<Tessel::GroupInfo>& groups, const Database* db, uin
 
 Result BusIterator(const Database* db, uint32_t bus, IteratorT<const Tessel::IBus>& it) {
   it = MakeIterator<Tessel::IBus>(BusPolicy{db, bus}, 0, bus != 0 ? 1 : 0);
-  return bus != 0 ? Result::Ok() : Result::Fail("no bus connected");
+  return bus != 0 ? Result::Ok() : Result::Fail("no bus");  // short enough to need no allocation
 }
 
 }  // namespace

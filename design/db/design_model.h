@@ -112,6 +112,9 @@ class AttrLists {
   std::unordered_map<std::vector<uint32_t>, uint32_t, Hash> index_;
 };
 
+// A design holds a few of these per component: keep them packed.
+static_assert(sizeof(PinRec) == 20 && sizeof(NetRec) == 20 && sizeof(CompRec) == 48, "design records grew");
+
 struct Design {
   std::string snapshot = "Qor";
   StringPool strings;

@@ -83,7 +83,8 @@ bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
 namespace {
 
 template <class Value>
-bool ReadTextField(const Value& obj, const char* key, std::string_view& out, bool& present, std::string& what) {
+bool ReadTextField(const Value& obj, const char* key, std::string_view& out, bool& present,
+                   std::string& what) {
   auto it = Member(obj, key);
   present = static_cast<bool>(it);
   if (!present) return true;
@@ -124,14 +125,14 @@ bool ReadBoolField(const Value& obj, const char* key, bool& out, bool& present, 
 }  // namespace
 
 // Reads a text field into the string pool; `required` makes its absence an error.
-#define VDB_TEXT(obj, key, at, target, required)                                       \
-  do {                                                                                 \
-    std::string_view text_;                                                            \
-    bool present_ = false;                                                             \
-    std::string what_;                                                                 \
+#define VDB_TEXT(obj, key, at, target, required)                                              \
+  do {                                                                                        \
+    std::string_view text_;                                                                   \
+    bool present_ = false;                                                                    \
+    std::string what_;                                                                        \
     if (!ReadTextField(obj, key, text_, present_, what_)) return Fail(Field(at, key), what_); \
-    if (!present_ && (required)) return Fail(Field(at, key), "missing required field"); \
-    if (present_) target = d_.strings.Intern(text_);                                   \
+    if (!present_ && (required)) return Fail(Field(at, key), "missing required field");       \
+    if (present_) target = d_.strings.Intern(text_);                                          \
   } while (0)
 
 void DesignBuilder::OpenBlock(size_t block) {
@@ -214,7 +215,8 @@ bool DesignBuilder::ReadGroupAndNumber(const Where& at, const Item& item, uint32
   bool present = false;
   std::string what;
   if (!ReadIntField(item, "number", value, present, what)) return Fail(Field(at, "number"), what);
-  if (present && (value < INT32_MIN || value > INT32_MAX)) return Fail(Field(at, "number"), "number out of range");
+  if (present && (value < INT32_MIN || value > INT32_MAX))
+    return Fail(Field(at, "number"), "number out of range");
   number = present ? static_cast<int32_t>(value) : 0;
   hasNumber = present ? 1 : 0;
   return true;
@@ -349,7 +351,8 @@ bool DesignBuilder::AddPort(const Where& at, const Item& item) {
   PortRec port;
   port.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "name", at, port.name, true);
-  if (!ReadLinks(at, item, port.bus, port.width, port.netsBegin, port.netsCount, port.connected)) return false;
+  if (!ReadLinks(at, item, port.bus, port.width, port.netsBegin, port.netsCount, port.connected))
+    return false;
   if (!ReadAttributes(at, item, "attributes", port.attrs)) return false;
   d_.ports.push_back(port);
   d_.blocks.back().portsEnd = static_cast<uint32_t>(d_.ports.size());
@@ -463,7 +466,8 @@ bool DesignBuilder::ReadSymbols(const Json& root) {
     Json wrapper = Json::object();
     wrapper[name] = value;
     uint32_t list = 0;
-    if (!ReadAttributes(Where{nullptr, "symbols", Where::kNoIndex}, wrapper, name.c_str(), list)) return false;
+    if (!ReadAttributes(Where{nullptr, "symbols", Where::kNoIndex}, wrapper, name.c_str(), list))
+      return false;
     uint32_t id = d_.strings.Intern(name);
     symbolOfName_.emplace(id, list);
     d_.symbols.emplace_back(id, list);

@@ -69,8 +69,8 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
  private:
   struct Frame {
     bool isObject;
-    Json value;     // outside an item: the value being built
-    uint32_t node;  // inside an item: its node
+    Json value;       // outside an item: the value being built
+    uint32_t node;    // inside an item: its node
     std::string key;  // the key of the value being read, in an object
     size_t count;     // the index of the value being read, in an array
     // The keys of a large object, for finding a repeated one.
@@ -111,7 +111,9 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     }
     itemDepth_ = 0;
     const std::string& list = stack_[2].key;
-    ItemKind kind = list == "components" ? ItemKind::kComponent : list == "nets" ? ItemKind::kNet : ItemKind::kPort;
+    ItemKind kind = list == "components" ? ItemKind::kComponent
+                    : list == "nets"     ? ItemKind::kNet
+                                         : ItemKind::kPort;
     return builder_.AddItem(stack_[1].count, kind, stack_[3].count++, items_.Root());
   }
 
@@ -156,7 +158,8 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
         for (ItemTree::Value m = ItemTree::Value(&items_, frame.node).First(); m.Valid(); m = m.Next())
           frame.keys->emplace(m.Key());
       } else {
-        for (const auto& member : frame.value.get_ref<const Json::object_t&>()) frame.keys->insert(member.first);
+        for (const auto& member : frame.value.get_ref<const Json::object_t&>())
+          frame.keys->insert(member.first);
       }
     }
     return !frame.keys->insert(key).second;

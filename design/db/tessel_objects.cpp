@@ -13,7 +13,9 @@ namespace {
 
 // Sets `out` to a stored text in place: a caller that reads a field of every component or pin into
 // the same String keeps its buffer instead of a new string each time.
-void SetText(String& out, const Database* db, uint32_t id) { out.str().assign(db->design().strings.View(id)); }
+void SetText(String& out, const Database* db, uint32_t id) {
+  out.str().assign(db->design().strings.View(id));
+}
 
 // Looks `key` up in an attribute list; the value is empty when it is absent.
 Result ReadAttr(const Database* db, uint32_t list, const String& key, String& value) {
@@ -95,7 +97,8 @@ Result BlockObj::GetComp(ContainerT<const Tessel::IComp>& comp, const Index& ind
   const BlockRec& b = db_->design().blocks[block_];
   if (index.word0 != block_ + 1 || index.Top8() != kTagComp || index.Low24() >= b.compsEnd - b.compsBegin)
     return Result::Fail("no component with that index in this block");
-  comp = ContainerT<const Tessel::IComp>(std::make_shared<CompObj>(db_, b.compsBegin + index.Low24(), nullptr, 0));
+  comp = ContainerT<const Tessel::IComp>(
+      std::make_shared<CompObj>(db_, b.compsBegin + index.Low24(), nullptr, 0));
   return Result::Ok();
 }
 

@@ -150,6 +150,10 @@ bool LoadBlocks(SqliteDb& db, Design& d) {
   d.comps.reserve(std::min(comps, kMaxReserve));
   d.nets.reserve(std::min(nets, kMaxReserve));
   d.ports.reserve(std::min(ports, kMaxReserve));
+  // Pins are not counted ahead; two a component (each on one net) is the common case, and a
+  // guess that is wrong only costs the growth that would have happened anyway.
+  d.pins.reserve(std::min(2 * comps, kMaxReserve));
+  d.links.reserve(std::min(2 * comps, kMaxReserve));
   return query.Finished();
 }
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks that a build writes the same decks and console output as a recorded one.
 #   bench/deck_check.sh record BUILD_DIR [DIR]   run BUILD_DIR/vesk on the benchmark designs, keep what it writes
-#   bench/deck_check.sh compare BUILD_DIR [DIR]  run again and compare byte for byte with the recording
+#   bench/deck_check.sh compare BUILD_DIR [DIR]  run again and compare byte for byte with the recording, and
+#                                                import each design again to compare the database files
 # DIR (default /tmp/i13-baseline) holds the designs, their databases and the recorded outputs. The designs are
 # made by BUILD_DIR/bench/make_design and by ../shared/bench/gen-design, imported with BUILD_DIR/vesk-db.
 set -u
@@ -43,6 +44,14 @@ for entry in "${designs[@]}"; do
   name=${entry%%:*}; cmd=${entry#*:}
   prepare "$name" $cmd
   d="$dir/designs/$name"
+  if [ "$mode" = compare ]; then  # the import writes the same database file as the recorded build's
+    t=$(mktemp -d)
+    if ! (cd "$t" && "$bin/vesk-db" import "$d/design.json" >/dev/null) ||
+       ! cmp -s "$t/database/design.sqlite" "$d/database/design.sqlite"; then
+      echo "DIFFERS: $name vesk-db import"; fail=1
+    fi
+    rm -rf "$t"
+  fi
   sets=("${switchsets[@]}")
   [ "$name" = ghier1M ] && sets=("-h")   # the flattened 1M design is left to the timing runs
   for s in "${sets[@]}"; do

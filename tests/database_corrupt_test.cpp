@@ -148,6 +148,10 @@ TEST_F(CorruptDatabase, DamageOfEachKindIsRefusedAndReported) {
   const std::string foreignNet = Blob({1, 0, 1, 1, 1, 2}), badKey = Blob({1, 99999, 0});
   ExpectRefused(Edited("UPDATE comps SET pins = ?1 WHERE id = 0", &foreignNet), "pin on a foreign net");
   ExpectRefused(Edited("UPDATE attr_lists SET data = ?1", &badKey), "attribute key out of range");
+  // A net count whose low bits alone would name one good net: the count shares its word with a
+  // flag in memory, so a count that does not fit is refused rather than cut.
+  const std::string hugeCount = Blob({1, 0, 1, 1, 0x80000001u, 0});
+  ExpectRefused(Edited("UPDATE comps SET pins = ?1 WHERE id = 0", &hugeCount), "net count beyond 31 bits");
 }
 
 // Each round damages the file at random: a field set to a value that often breaks programs, one

@@ -1,6 +1,8 @@
 // Builds the compact design from the checked fields of a JSON description.
 #include "design/db/design_builder.h"
 
+#include <optional>
+
 namespace vdb {
 
 namespace {
@@ -22,9 +24,54 @@ std::string Indexed(const std::string& at, const char* list, size_t index) {
 
 std::string Field(const std::string& at, const std::string& key) { return at.empty() ? key : at + "." + key; }
 
+std::string Field(const DesignBuilder::Where& at, const std::string& key) { return at.Text() + "." + key; }
+
+// The member `key` of an object, or null. Descriptions give keys at most once (the reader refuses a
+// repeated one), and an item has a handful of them: comparing lengths first skips most at once.
+const Json* Member(const Json& obj, std::string_view key) {
+  for (const auto& member : obj.get_ref<const Json::object_t&>()) {
+    if (member.first.size() == key.size() && std::string_view(member.first) == key) return &member.second;
+  }
+  return nullptr;
+}
+
+std::optional<Item> Member(const Item& obj, std::string_view key) {
+  Item member = obj;
+  if (obj.Member(key, member)) return member;
+  return std::nullopt;
+}
+
+std::string_view TextOf(const Json& value) { return value.get_ref<const std::string&>(); }
+std::string_view TextOf(const Item& value) { return value.Text(); }
+int64_t IntOf(const Json& value) { return value.get<int64_t>(); }
+int64_t IntOf(const Item& value) { return value.Int(); }
+bool BoolOf(const Item& value) { return value.Bool(); }
+
+// Calls visit(name, value) for each member of an object, in order, until it returns false.
+template <class Visit>
+bool ForEachMember(const Json& obj, Visit visit) {
+  for (auto& [name, value] : obj.items()) {
+    if (!visit(std::string_view(name), value)) return false;
+  }
+  return true;
+}
+template <class Visit>
+bool ForEachMember(const Item& obj, Visit visit) {
+  for (Item member = obj.First(); member.Valid(); member = member.Next()) {
+    if (!visit(member.Key(), member)) return false;
+  }
+  return true;
+}
+
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace
+
+std::string DesignBuilder::Where::Text() const {
+  std::string text = outer ? outer->Text() + "." + list : list;
+  if (index != kNoIndex) text += "[" + std::to_string(index) + "]";
+  return text;
+}
 
 bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
   error_ = where + ": " + what;
@@ -35,53 +82,57 @@ bool DesignBuilder::Fail(const std::string& where, const std::string& what) {
 // `present` tells whether the field was there at all.
 namespace {
 
-bool ReadTextField(const Json& obj, const char* key, std::string_view& out, bool& present, std::string& what) {
-  auto it = obj.find(key);
-  present = it != obj.end();
+template <class Value>
+bool ReadTextField(const Value& obj, const char* key, std::string_view& out, bool& present,
+                   std::string& what) {
+  auto it = Member(obj, key);
+  present = static_cast<bool>(it);
   if (!present) return true;
   if (!it->is_string()) {
     what = "expected text";
     return false;
   }
-  out = it->get_ref<const std::string&>();
+  out = TextOf(*it);
   return true;
 }
 
-bool ReadIntField(const Json& obj, const char* key, int64_t& out, bool& present, std::string& what) {
-  auto it = obj.find(key);
-  present = it != obj.end();
+template <class Value>
+bool ReadIntField(const Value& obj, const char* key, int64_t& out, bool& present, std::string& what) {
+  auto it = Member(obj, key);
+  present = static_cast<bool>(it);
   if (!present) return true;
   if (!it->is_number_integer()) {
     what = "expected a whole number";
     return false;
   }
-  out = it->get<int64_t>();
+  out = IntOf(*it);
   return true;
 }
 
-bool ReadBoolField(const Json& obj, const char* key, bool& out, bool& present, std::string& what) {
-  auto it = obj.find(key);
-  present = it != obj.end();
+template <class Value>
+bool ReadBoolField(const Value& obj, const char* key, bool& out, bool& present, std::string& what) {
+  auto it = Member(obj, key);
+  present = static_cast<bool>(it);
   if (!present) return true;
   if (!it->is_boolean()) {
     what = "expected true or false";
     return false;
   }
-  out = it->get<bool>();
+  out = BoolOf(*it);
   return true;
 }
 
 }  // namespace
 
 // Reads a text field into the string pool; `required` makes its absence an error.
-#define VDB_TEXT(obj, key, at, target, required)                                       \
-  do {                                                                                 \
-    std::string_view text_;                                                            \
-    bool present_ = false;                                                             \
-    std::string what_;                                                                 \
+#define VDB_TEXT(obj, key, at, target, required)                                              \
+  do {                                                                                        \
+    std::string_view text_;                                                                   \
+    bool present_ = false;                                                                    \
+    std::string what_;                                                                        \
     if (!ReadTextField(obj, key, text_, present_, what_)) return Fail(Field(at, key), what_); \
-    if (!present_ && (required)) return Fail(Field(at, key), "missing required field"); \
-    if (present_) target = d_.strings.Intern(text_);                                   \
+    if (!present_ && (required)) return Fail(Field(at, key), "missing required field");       \
+    if (present_) target = d_.strings.Intern(text_);                                          \
   } while (0)
 
 void DesignBuilder::OpenBlock(size_t block) {
@@ -95,45 +146,83 @@ void DesignBuilder::OpenBlock(size_t block) {
   }
 }
 
+// Copies a document value into `tree` under `parent`.
+void AddToTree(ItemTree& tree, uint32_t parent, std::string_view key, const Json& value) {
+  using Kind = ItemTree::Kind;
+  Kind kind = value.is_object()            ? Kind::kObject
+              : value.is_array()           ? Kind::kArray
+              : value.is_string()          ? Kind::kText
+              : value.is_boolean()         ? Kind::kBool
+              : value.is_number_unsigned() ? Kind::kUnsigned
+              : value.is_number_integer()  ? Kind::kInt
+              : value.is_number_float()    ? Kind::kFloat
+                                           : Kind::kNull;
+  uint32_t node = tree.Add(parent, kind, key);
+  if (kind == Kind::kText) {
+    const std::string& text = value.get_ref<const std::string&>();
+    uint32_t begin = tree.Keep(text);
+    tree.At(node).textBegin = begin;
+    tree.At(node).textLength = static_cast<uint32_t>(text.size());
+  } else if (kind == Kind::kBool) {
+    tree.At(node).boolean = value.get<bool>();
+  } else if (kind == Kind::kInt || kind == Kind::kUnsigned) {
+    tree.At(node).bits = static_cast<uint64_t>(value.get<int64_t>());
+  } else if (kind == Kind::kObject) {
+    for (auto& [name, member] : value.items()) AddToTree(tree, node, name, member);
+  } else if (kind == Kind::kArray) {
+    for (const Json& member : value) AddToTree(tree, node, {}, member);
+  }
+}
+
 bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Json& item) {
+  jsonItem_.Clear();
+  AddToTree(jsonItem_, ItemTree::kNoNode, {}, item);
+  return AddItem(block, kind, index, jsonItem_.Root());
+}
+
+bool DesignBuilder::AddItem(size_t block, ItemKind kind, size_t index, const Item& item) {
   OpenBlock(block);
-  std::string at = Indexed("blocks[" + std::to_string(block) + "]", KindList(kind), index);
-  if (index >= kMaxPerBlock) return Fail(at, "too many objects of one kind in one block");
-  if (!item.is_object()) return Fail(at, "expected an object");
+  const Where blockAt{nullptr, "blocks", block};
+  const Where at{&blockAt, KindList(kind), index};
+  if (index >= kMaxPerBlock) return Fail(at.Text(), "too many objects of one kind in one block");
+  if (!item.is_object()) return Fail(at.Text(), "expected an object");
   if (kind == ItemKind::kComponent) return AddComponent(at, item);
   if (kind == ItemKind::kNet) return AddNet(at, item);
   return AddPort(at, item);
 }
 
-bool DesignBuilder::ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list) {
-  auto it = item.find(key);
-  if (it == item.end()) return true;
+template <class Value>
+bool DesignBuilder::ReadAttributes(const Where& at, const Value& item, const char* key, uint32_t& list) {
+  auto it = Member(item, key);
+  if (!it) return true;
   if (!it->is_object()) return Fail(Field(at, key), "expected an object");
-  std::vector<uint32_t> pairs;
-  pairs.reserve(2 * it->size());
-  for (auto& [name, value] : it->items()) {
-    if (!value.is_string()) return Fail(Field(Field(at, key), name), "expected text");
-    pairs.push_back(d_.strings.Intern(name));
-    pairs.push_back(d_.strings.Intern(value.get_ref<const std::string&>()));
-  }
-  list = d_.attrs.Intern(pairs);
+  pairs_.clear();
+  bool ok = ForEachMember(*it, [&](std::string_view name, const auto& value) {
+    if (!value.is_string()) return Fail(Field(Field(at, key), std::string(name)), "expected text");
+    pairs_.push_back(d_.strings.Intern(name));
+    pairs_.push_back(d_.strings.Intern(TextOf(value)));
+    return true;
+  });
+  if (!ok) return false;
+  list = d_.attrs.Intern(pairs_);
   return true;
 }
 
-bool DesignBuilder::ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName,
+bool DesignBuilder::ReadGroupAndNumber(const Where& at, const Item& item, uint32_t& groupName,
                                        int32_t& number, uint8_t& hasNumber) {
   VDB_TEXT(item, "group", at, groupName, false);
   int64_t value = 0;
   bool present = false;
   std::string what;
   if (!ReadIntField(item, "number", value, present, what)) return Fail(Field(at, "number"), what);
-  if (present && (value < INT32_MIN || value > INT32_MAX)) return Fail(Field(at, "number"), "number out of range");
+  if (present && (value < INT32_MIN || value > INT32_MAX))
+    return Fail(Field(at, "number"), "number out of range");
   number = present ? static_cast<int32_t>(value) : 0;
   hasNumber = present ? 1 : 0;
   return true;
 }
 
-bool DesignBuilder::AddComponent(const std::string& at, const Json& item) {
+bool DesignBuilder::AddComponent(const Where& at, const Item& item) {
   CompRec c;
   c.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "label", at, c.label, true);
@@ -148,17 +237,21 @@ bool DesignBuilder::AddComponent(const std::string& at, const Json& item) {
   uint32_t child = kNone, group = kNone;
   VDB_TEXT(item, "child", at, child, false);
   if (!ReadAttributes(at, item, "attributes", c.instAttrs)) return false;
-  c.ownDefinition = item.contains("definition") ? 1 : 0;
+  c.ownDefinition = Member(item, "definition").has_value() ? 1 : 0;
   if (!ReadAttributes(at, item, "definition", c.defAttrs)) return false;
-  if (!ReadGroupAndNumber(at, item, group, c.number, c.hasNumber)) return false;
-  auto pins = item.find("pins");
+  uint8_t hasNumber = 0;
+  if (!ReadGroupAndNumber(at, item, group, c.number, hasNumber)) return false;
+  c.hasNumber = hasNumber;
+  auto pins = Member(item, "pins");
   c.pinsBegin = static_cast<uint32_t>(d_.pins.size());
-  if (pins != item.end()) {
+  if (pins) {
     if (!pins->is_array()) return Fail(Field(at, "pins"), "expected a list");
-    for (size_t i = 0; i < pins->size(); ++i) {
-      if (!AddPin(Indexed(at, "pins", i), (*pins)[i])) return false;
+    size_t i = 0;
+    for (Item pin = pins->First(); pin.Valid(); pin = pin.Next(), ++i) {
+      if (!AddPin(Where{&at, "pins", i}, pin)) return false;
     }
   }
+  if (d_.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return Fail(Field(at, "pins"), "too many pins");
   c.pinsCount = static_cast<uint32_t>(d_.pins.size() - c.pinsBegin);
   d_.comps.push_back(c);
   d_.blocks.back().compsEnd = static_cast<uint32_t>(d_.comps.size());
@@ -208,27 +301,27 @@ bool DesignBuilder::AddComponentFields(size_t block, size_t index, const Compone
   return true;
 }
 
-bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width,
+bool DesignBuilder::ReadLinks(const Where& at, const Item& item, uint32_t& bus, uint32_t& width,
                               uint32_t& begin, uint32_t& count, uint8_t& connected) {
   uint32_t net = kNone;
   VDB_TEXT(item, "net", at, net, false);
   VDB_TEXT(item, "bus", at, bus, false);
-  bool hasBus = item.contains("bus");
+  bool hasBus = Member(item, "bus").has_value();
   begin = static_cast<uint32_t>(d_.links.size());
-  auto nets = item.find("nets");
-  if (nets != item.end()) {
+  auto nets = Member(item, "nets");
+  if (nets) {
     if (net != kNone) return Fail(Field(at, "nets"), "give either net or nets, not both");
     if (!nets->is_array()) return Fail(Field(at, "nets"), "expected a list");
-    for (size_t i = 0; i < nets->size(); ++i) {
-      const Json& label = (*nets)[i];
+    size_t i = 0;
+    for (Item label = nets->First(); label.Valid(); label = label.Next(), ++i) {
       if (!label.is_string()) return Fail(Field(at, "nets[" + std::to_string(i) + "]"), "expected text");
-      d_.links.push_back(d_.strings.Intern(label.get_ref<const std::string&>()));
+      d_.links.push_back(d_.strings.Intern(label.Text()));
     }
   } else if (net != kNone) {
     d_.links.push_back(net);
   }
   count = static_cast<uint32_t>(d_.links.size() - begin);
-  int64_t w = nets != item.end() ? static_cast<int64_t>(count) : 1;
+  int64_t w = nets ? static_cast<int64_t>(count) : 1;
   bool present = false, conn = false;
   std::string what;
   if (!ReadIntField(item, "width", w, present, what)) return Fail(Field(at, "width"), what);
@@ -240,27 +333,33 @@ bool DesignBuilder::ReadLinks(const std::string& at, const Json& item, uint32_t&
   return true;
 }
 
-bool DesignBuilder::AddPin(const std::string& at, const Json& item) {
-  if (!item.is_object()) return Fail(at, "expected an object");
+bool DesignBuilder::AddPin(const Where& at, const Item& item) {
+  if (!item.is_object()) return Fail(at.Text(), "expected an object");
   PinRec pin;
   VDB_TEXT(item, "name", at, pin.name, true);
-  if (!ReadLinks(at, item, pin.bus, pin.width, pin.netsBegin, pin.netsCount, pin.connected)) return false;
+  uint32_t count = 0;
+  uint8_t connected = 0;
+  if (!ReadLinks(at, item, pin.bus, pin.width, pin.netsBegin, count, connected)) return false;
+  if (count >= kMaxPinsOrNets) return Fail(Field(at, "nets"), "too many nets");
+  pin.netsCount = count;
+  pin.connected = connected;
   d_.pins.push_back(pin);
   return true;
 }
 
-bool DesignBuilder::AddPort(const std::string& at, const Json& item) {
+bool DesignBuilder::AddPort(const Where& at, const Item& item) {
   PortRec port;
   port.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "name", at, port.name, true);
-  if (!ReadLinks(at, item, port.bus, port.width, port.netsBegin, port.netsCount, port.connected)) return false;
+  if (!ReadLinks(at, item, port.bus, port.width, port.netsBegin, port.netsCount, port.connected))
+    return false;
   if (!ReadAttributes(at, item, "attributes", port.attrs)) return false;
   d_.ports.push_back(port);
   d_.blocks.back().portsEnd = static_cast<uint32_t>(d_.ports.size());
   return true;
 }
 
-bool DesignBuilder::AddNet(const std::string& at, const Json& item) {
+bool DesignBuilder::AddNet(const Where& at, const Item& item) {
   NetRec net;
   net.block = static_cast<uint32_t>(d_.blocks.size() - 1);
   VDB_TEXT(item, "label", at, net.label, true);
@@ -268,9 +367,14 @@ bool DesignBuilder::AddNet(const std::string& at, const Json& item) {
   std::string what;
   if (!ReadBoolField(item, "global", global, present, what)) return Fail(Field(at, "global"), what);
   net.global = global ? 1 : 0;
-  if (!ReadAttributes(at, item, "attributes", net.attrs)) return false;
+  uint32_t attrs = 0;
+  if (!ReadAttributes(at, item, "attributes", attrs)) return false;
+  if (attrs >= kMaxNetAttrList) return Fail(Field(at, "attributes"), "too many different attribute lists");
+  net.attrs = attrs;
   uint32_t group = kNone;
-  if (!ReadGroupAndNumber(at, item, group, net.number, net.hasNumber)) return false;
+  uint8_t hasNumber = 0;
+  if (!ReadGroupAndNumber(at, item, group, net.number, hasNumber)) return false;
+  net.hasNumber = hasNumber;
   d_.nets.push_back(net);
   d_.blocks.back().netsEnd = static_cast<uint32_t>(d_.nets.size());
   declaredNets_.back()++;
@@ -323,8 +427,8 @@ bool DesignBuilder::EndBlock(size_t block, const Json& value) {
   if (!value.is_object()) return Fail(at, "expected an object");
   VDB_TEXT(value, "name", at, d_.blocks[block].name, true);
   for (const char* list : {"components", "nets", "ports"}) {
-    auto it = value.find(list);
-    if (it != value.end() && !it->is_array()) return Fail(Field(at, list), "expected a list");
+    const Json* it = Member(value, list);
+    if (it && !it->is_array()) return Fail(Field(at, list), "expected a list");
   }
   ResolveBlockLinks(block);
   BlockRec& b = d_.blocks[block];
@@ -362,7 +466,8 @@ bool DesignBuilder::ReadSymbols(const Json& root) {
     Json wrapper = Json::object();
     wrapper[name] = value;
     uint32_t list = 0;
-    if (!ReadAttributes("symbols", wrapper, name.c_str(), list)) return false;
+    if (!ReadAttributes(Where{nullptr, "symbols", Where::kNoIndex}, wrapper, name.c_str(), list))
+      return false;
     uint32_t id = d_.strings.Intern(name);
     symbolOfName_.emplace(id, list);
     d_.symbols.emplace_back(id, list);

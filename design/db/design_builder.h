@@ -9,10 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include "design/db/design_model.h"
+#include "design/db/item_tree.h"
 
 namespace vdb {
 
 using Json = nlohmann::ordered_json;
+using Item = ItemTree::Value;
 
 enum class ItemKind { kComponent, kNet, kPort };
 
@@ -35,6 +37,7 @@ class DesignBuilder {
  public:
   explicit DesignBuilder(Design& design) : d_(design) {}
 
+  bool AddItem(size_t block, ItemKind kind, size_t index, const Item& item);
   bool AddItem(size_t block, ItemKind kind, size_t index, const Json& item);
   bool AddComponentFields(size_t block, size_t index, const ComponentFields& fields);
   bool EndBlock(size_t block, const Json& value);
@@ -43,19 +46,32 @@ class DesignBuilder {
   bool Finish(const std::string& snapshot);
 
   const std::string& Error() const { return error_; }
+  /// Tells that `text` is to be interned soon, with the item it is part of.
+  void Prefetch(std::string_view text) const { d_.strings.Prefetch(text); }
+
+  /// Where an item or pin sits in the description: a list entry inside an outer place, made into
+  /// text (blocks[1].components[4].pins[0]) only when one of its fields is bad.
+  struct Where {
+    static constexpr size_t kNoIndex = ~size_t(0);
+    const Where* outer;
+    const char* list;  // the list's key, or a plain name when `index` is kNoIndex
+    size_t index;
+    std::string Text() const;
+  };
 
  private:
   bool Fail(const std::string& where, const std::string& what);
   void OpenBlock(size_t block);
-  bool AddComponent(const std::string& at, const Json& item);
-  bool AddNet(const std::string& at, const Json& item);
-  bool AddPort(const std::string& at, const Json& item);
-  bool AddPin(const std::string& at, const Json& item);
-  bool ReadLinks(const std::string& at, const Json& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
+  bool AddComponent(const Where& at, const Item& item);
+  bool AddNet(const Where& at, const Item& item);
+  bool AddPort(const Where& at, const Item& item);
+  bool AddPin(const Where& at, const Item& item);
+  bool ReadLinks(const Where& at, const Item& item, uint32_t& bus, uint32_t& width, uint32_t& begin,
                  uint32_t& count, uint8_t& connected);
-  bool ReadAttributes(const std::string& at, const Json& item, const char* key, uint32_t& list);
+  template <class Value>
+  bool ReadAttributes(const Where& at, const Value& item, const char* key, uint32_t& list);
   uint32_t InternPairs(const TextPairs& pairs);
-  bool ReadGroupAndNumber(const std::string& at, const Json& item, uint32_t& groupName, int32_t& number,
+  bool ReadGroupAndNumber(const Where& at, const Item& item, uint32_t& groupName, int32_t& number,
                           uint8_t& hasNumber);
   void ResolveBlockLinks(size_t block);
   uint32_t NetOfLabel(size_t block, uint32_t label);
@@ -77,6 +93,8 @@ class DesignBuilder {
   std::unordered_map<uint32_t, uint32_t> blockOfName_, groupOfName_, symbolOfName_;
   std::vector<std::pair<uint32_t, std::string>> testbenchTargets_;
   std::string snapshot_;
+  std::vector<uint32_t> pairs_;  // the attribute list being read
+  ItemTree jsonItem_;            // an item given as a document value, copied
 };
 
 }  // namespace vdb

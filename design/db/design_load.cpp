@@ -46,21 +46,28 @@ bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
   return true;
 }
 
-// An index that may be absent (NULL): kNone then.
+// An index that may be absent (NULL): kNone then. Each column is asked its type once: a million
+// rows make every call to SQLite count.
 bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
-  if (query.IsNull(col)) {
+  int type = query.Type(col);
+  if (type == SQLITE_NULL) {
     id = kNone;
     return true;
   }
-  return ReadId(query, col, id);
+  if (type != SQLITE_INTEGER) return false;
+  int64_t value = query.Int(col);
+  if (value < 0 || value >= kNone) return false;
+  id = static_cast<uint32_t>(value);
+  return true;
 }
 
 // A signed number stored in 32 bits, or NULL when `present` may be false.
 bool ReadNumber(const SqliteStmt& query, int col, int32_t& number, uint8_t& present) {
-  present = !query.IsNull(col);
+  int type = query.Type(col);
+  present = type != SQLITE_NULL;
   number = 0;
   if (!present) return true;
-  if (!query.IsInteger(col)) return false;
+  if (type != SQLITE_INTEGER) return false;
   int64_t value = query.Int(col);
   if (value < INT32_MIN || value > INT32_MAX) return false;
   number = static_cast<int32_t>(value);
@@ -79,6 +86,13 @@ bool LoadMeta(SqliteDb& db, Design& d) {
 }
 
 bool LoadStrings(SqliteDb& db, Design& d) {
+  // Room for every text at once. A chunk holds up to kChunkItems texts of at least their 4-byte
+  // length each, which bounds what a damaged file can make us reserve.
+  SqliteStmt count(db, "SELECT count(*), sum(length(data)) FROM strings");
+  if (!count.Row()) return false;
+  uint64_t texts = std::min<uint64_t>(static_cast<uint64_t>(count.Int(0)) * uint64_t{kChunkItems},
+                                      static_cast<uint64_t>(count.Int(1)) / 4);
+  d.strings.Reserve(static_cast<size_t>(std::min<uint64_t>(texts + 1, kNone)));
   SqliteStmt query(db, "SELECT data FROM strings ORDER BY chunk");
   while (query.Row()) {
     size_t size = 0;
@@ -136,6 +150,10 @@ bool LoadBlocks(SqliteDb& db, Design& d) {
   d.comps.reserve(std::min(comps, kMaxReserve));
   d.nets.reserve(std::min(nets, kMaxReserve));
   d.ports.reserve(std::min(ports, kMaxReserve));
+  // Pins are not counted ahead; two a component (each on one net) is the common case, and a
+  // guess that is wrong only costs the growth that would have happened anyway.
+  d.pins.reserve(std::min(2 * comps, kMaxReserve));
+  d.links.reserve(std::min(2 * comps, kMaxReserve));
   return query.Finished();
 }
 
@@ -178,13 +196,18 @@ bool LoadNets(SqliteDb& db, Design& d) {
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.nets.size());
     if (query.Int(0) != index) return false;
-    if (!OwnerMatches(d, query.Int(1), index, &BlockRec::netsBegin, &BlockRec::netsEnd)) return false;
+    int64_t block = query.Int(1);
+    if (!OwnerMatches(d, block, index, &BlockRec::netsBegin, &BlockRec::netsEnd)) return false;
     NetRec n;
-    n.block = static_cast<uint32_t>(query.Int(1));
+    n.block = static_cast<uint32_t>(block);
     n.global = query.Int(3) != 0;
-    if (!ReadId(query, 2, n.label) || !ReadId(query, 4, n.attrs) || !ReadOptionalId(query, 5, n.group) ||
-        !ReadNumber(query, 6, n.number, n.hasNumber))
+    uint32_t attrs = 0;
+    uint8_t hasNumber = 0;
+    if (!ReadId(query, 2, n.label) || !ReadId(query, 4, attrs) || attrs >= kMaxNetAttrList ||
+        !ReadOptionalId(query, 5, n.group) || !ReadNumber(query, 6, n.number, hasNumber))
       return false;
+    n.attrs = attrs;
+    n.hasNumber = hasNumber;
     d.nets.push_back(n);
   }
   return query.Finished();
@@ -204,9 +227,10 @@ bool LoadPorts(SqliteDb& db, Design& d) {
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.ports.size());
     if (query.Int(0) != index) return false;
-    if (!OwnerMatches(d, query.Int(1), index, &BlockRec::portsBegin, &BlockRec::portsEnd)) return false;
+    int64_t block = query.Int(1);
+    if (!OwnerMatches(d, block, index, &BlockRec::portsBegin, &BlockRec::portsEnd)) return false;
     PortRec p;
-    p.block = static_cast<uint32_t>(query.Int(1));
+    p.block = static_cast<uint32_t>(block);
     p.connected = query.Int(5) != 0;
     if (!ReadId(query, 2, p.name) || !ReadId(query, 3, p.bus) || !ReadId(query, 4, p.width) ||
         !ReadId(query, 6, p.attrs))
@@ -227,15 +251,17 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
   c.pinsBegin = static_cast<uint32_t>(d.pins.size());
   while (!reader.Done()) {
     PinRec pin;
-    uint32_t connected = 0;
+    uint32_t connected = 0, count = 0;
     if (!reader.Word(pin.name) || !reader.Word(pin.bus) || !reader.Word(pin.width) || !reader.Word(connected) ||
-        !reader.Word(pin.netsCount))
+        !reader.Word(count) || count >= kMaxPinsOrNets)
       return false;
     pin.connected = connected != 0;
+    pin.netsCount = count;
     pin.netsBegin = static_cast<uint32_t>(d.links.size());
     if (!ReadLinks(reader, pin.netsCount, d)) return false;
     d.pins.push_back(pin);
   }
+  if (d.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return false;
   c.pinsCount = static_cast<uint32_t>(d.pins.size() - c.pinsBegin);
   return true;
 }
@@ -247,17 +273,22 @@ bool LoadComps(SqliteDb& db, Design& d) {
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.comps.size());
     if (query.Int(0) != index) return false;
-    if (!OwnerMatches(d, query.Int(1), index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
+    int64_t block = query.Int(1);
+    if (!OwnerMatches(d, block, index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
     CompRec c;
-    c.block = static_cast<uint32_t>(query.Int(1));
+    uint8_t hasNumber = 0;
+    c.block = static_cast<uint32_t>(block);
     c.ownDefinition = query.Int(9) != 0;
     // Type bits are any 32-bit value, all ones included.
-    if (!query.IsInteger(5) || query.Int(5) < 0 || query.Int(5) > UINT32_MAX) return false;
-    c.type = static_cast<uint32_t>(query.Int(5));
+    if (!query.IsInteger(5)) return false;
+    int64_t type = query.Int(5);
+    if (type < 0 || type > UINT32_MAX) return false;
+    c.type = static_cast<uint32_t>(type);
     if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
         !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) || !ReadId(query, 8, c.defAttrs) ||
-        !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, c.hasNumber))
+        !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, hasNumber))
       return false;
+    c.hasNumber = hasNumber;
     size_t size = 0;
     const unsigned char* blob = query.Blob(12, size);  // sets `size`, so it must come first
     WordReader reader(blob, size);

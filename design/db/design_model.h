@@ -15,14 +15,19 @@ constexpr uint32_t kNone = 0xFFFFFFFFu;
 /// Objects of one kind in one block are numbered in 24 bits.
 constexpr uint32_t kMaxPerBlock = 0xFFFFFFu;
 
+/// Pins of one component, and nets of one pin, number fewer than this (they share a word with
+/// flags: a design holds a few records per component, so each word counts).
+constexpr uint32_t kMaxPinsOrNets = 1u << 30;
+
 /// A pin of a component; its nets are links[netsBegin, netsBegin + netsCount).
 struct PinRec {
+  PinRec() : netsCount(0), connected(0) {}
   uint32_t name = 0;
   uint32_t bus = 0;  // string id of the bus label; 0 when no bus
   uint32_t width = 1;
   uint32_t netsBegin = 0;
-  uint32_t netsCount = 0;
-  uint8_t connected = 0;
+  uint32_t netsCount : 31;
+  uint32_t connected : 1;
 };
 
 /// A port of a block, seen from inside.
@@ -37,14 +42,18 @@ struct PortRec {
   uint8_t connected = 0;
 };
 
+/// Attribute lists of a net are numbered below this (the number shares a word with flags).
+constexpr uint32_t kMaxNetAttrList = 1u << 30;
+
 struct NetRec {
+  NetRec() : attrs(0), global(0), hasNumber(0) {}
   uint32_t block = 0;
   uint32_t label = 0;
-  uint32_t attrs = 0;
+  uint32_t attrs : 30;
+  uint32_t global : 1;
+  uint32_t hasNumber : 1;
   uint32_t group = kNone;
   int32_t number = 0;
-  uint8_t global = 0;
-  uint8_t hasNumber = 0;
 };
 
 struct CompRec {
@@ -59,9 +68,10 @@ struct CompRec {
   uint32_t group = kNone;
   int32_t number = 0;
   uint32_t pinsBegin = 0;
-  uint32_t pinsCount = 0;
-  uint8_t hasNumber = 0;
-  uint8_t ownDefinition = 0;  // the description gave `definition` itself
+  uint32_t pinsCount : 30;
+  uint32_t hasNumber : 1;
+  uint32_t ownDefinition : 1;  // the description gave `definition` itself
+  CompRec() : pinsCount(0), hasNumber(0), ownDefinition(0) {}
 };
 
 /// A block owns the contiguous ranges [begin, end) of components, nets and ports.
@@ -101,6 +111,9 @@ class AttrLists {
   std::vector<uint32_t> begin_;
   std::unordered_map<std::vector<uint32_t>, uint32_t, Hash> index_;
 };
+
+// A design holds a few of these per component: keep them packed.
+static_assert(sizeof(PinRec) == 20 && sizeof(NetRec) == 20 && sizeof(CompRec) == 48, "design records grew");
 
 struct Design {
   std::string snapshot = "Qor";

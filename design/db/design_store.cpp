@@ -10,7 +10,6 @@ namespace vdb {
 namespace {
 
 constexpr const char* kFormat = "vesk-design 1";
-constexpr uint32_t kChunkItems = 65536;
 
 constexpr const char* kSchema = R"(
 CREATE TABLE meta(key TEXT PRIMARY KEY, value TEXT NOT NULL);

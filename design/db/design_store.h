@@ -10,6 +10,9 @@ namespace vdb {
 /// The name of the SQLite file inside the folder `database`.
 constexpr const char* kDatabaseFile = "design.sqlite";
 
+/// Texts (and attribute lists) per row of the strings (and attr_lists) table.
+constexpr uint32_t kChunkItems = 65536;
+
 /// Writes `design` into a new SQLite file `file` (which must not exist); false with a reason.
 bool SaveDesign(const Design& design, const std::string& file, std::string& error);
 

@@ -10,22 +10,43 @@ namespace vdb {
 namespace {
 
 /// Builds small document trees from parser events, and hands the blocks and their items to the
-/// builder as soon as they are complete instead of keeping them.
+/// builder as soon as they are complete instead of keeping them. An item of a block's component,
+/// net or port list is collected in an ItemTree that is reused for the next item; the few values
+/// around the items (the root, each block without its items) are document trees.
 class StreamingHandler : public nlohmann::json_sax<Json> {
  public:
   StreamingHandler(const std::string& text, DesignBuilder& builder) : text_(text), builder_(builder) {}
 
-  bool null() override { return Value(Json()); }
-  bool boolean(bool val) override { return Value(Json(val)); }
-  bool number_integer(number_integer_t val) override { return Value(Json(val)); }
-  bool number_unsigned(number_unsigned_t val) override { return Value(Json(val)); }
-  bool number_float(number_float_t val, const string_t&) override { return Value(Json(val)); }
-  bool string(string_t& val) override { return Value(Json(std::move(val))); }
-  bool binary(binary_t&) override { return Value(Json()); }
-  bool start_object(std::size_t) override {
-    stack_.push_back(Frame{Json::object(), {}, 0, nullptr});
-    return true;
+  bool null() override { return InItem() ? Scalar(ItemTree::Kind::kNull) : Value(Json()); }
+  bool boolean(bool val) override {
+    if (!InItem()) return Value(Json(val));
+    items_.At(Place(ItemTree::Kind::kBool)).boolean = val;
+    return Done();
   }
+  bool number_integer(number_integer_t val) override {
+    if (!InItem()) return Value(Json(val));
+    items_.At(Place(ItemTree::Kind::kInt)).bits = static_cast<uint64_t>(val);
+    return Done();
+  }
+  bool number_unsigned(number_unsigned_t val) override {
+    if (!InItem()) return Value(Json(val));
+    items_.At(Place(ItemTree::Kind::kUnsigned)).bits = val;
+    return Done();
+  }
+  bool number_float(number_float_t val, const string_t&) override {
+    return InItem() ? Scalar(ItemTree::Kind::kFloat) : Value(Json(val));
+  }
+  bool string(string_t& val) override {
+    if (!InItem()) return Value(Json(std::move(val)));
+    uint32_t node = Place(ItemTree::Kind::kText);
+    uint32_t begin = items_.Keep(val);
+    builder_.Prefetch(val);  // while the rest of the item is read
+    items_.At(node).textBegin = begin;
+    items_.At(node).textLength = static_cast<uint32_t>(val.size());
+    return Done();
+  }
+  bool binary(binary_t&) override { return InItem() ? Scalar(ItemTree::Kind::kNull) : Value(Json()); }
+  bool start_object(std::size_t) override { return Open(true); }
   // A key given twice would silently replace (or, for `blocks`, mix up) what came first.
   bool key(string_t& val) override {
     if (SeenKey(stack_.back(), val)) {
@@ -35,12 +56,9 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     stack_.back().key = val;
     return true;
   }
-  bool end_object() override { return Pop(); }
-  bool start_array(std::size_t) override {
-    stack_.push_back(Frame{Json::array(), {}, 0, nullptr});
-    return true;
-  }
-  bool end_array() override { return Pop(); }
+  bool end_object() override { return Close(); }
+  bool start_array(std::size_t) override { return Open(false); }
+  bool end_array() override { return Close(); }
   bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& ex) override {
     error_ = Where(position) + ": not JSON: " + Reason(ex.what());
     return false;
@@ -50,53 +68,113 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
 
  private:
   struct Frame {
-    Json value;
+    bool isObject;
+    Json value;       // outside an item: the value being built
+    uint32_t node;    // inside an item: its node
     std::string key;  // the key of the value being read, in an object
     size_t count;     // the index of the value being read, in an array
     // The keys of a large object, for finding a repeated one.
     std::unique_ptr<std::unordered_set<std::string>> keys;
   };
 
+  // Whether the next value belongs to an item: it is one, or it lies inside one.
+  bool InItem() const { return itemDepth_ != 0 || AtItem(); }
+
+  // Whether the next value is an item of a block's component, net or port list.
+  bool AtItem() const {
+    if (stack_.size() != 4 || !InBlocks() || !stack_[2].isObject || stack_[3].isObject) return false;
+    const std::string& list = stack_[2].key;
+    return list == "components" || list == "nets" || list == "ports";
+  }
+
+  // Adds a node for the next value of an item (starting the item when it is one) and gives it.
+  uint32_t Place(ItemTree::Kind kind) {
+    if (itemDepth_ == 0) {
+      items_.Clear();
+      itemDepth_ = stack_.size();
+      return items_.Add(ItemTree::kNoNode, kind, {});
+    }
+    const Frame& parent = stack_.back();
+    return items_.Add(parent.node, kind, parent.key);
+  }
+
+  bool Scalar(ItemTree::Kind kind) {
+    Place(kind);
+    return Done();
+  }
+
+  // After a value of an item: hands the item over when the value was the item itself.
+  bool Done() {
+    if (stack_.size() != itemDepth_) {
+      if (!stack_.back().isObject) stack_.back().count++;
+      return true;
+    }
+    itemDepth_ = 0;
+    const std::string& list = stack_[2].key;
+    ItemKind kind = list == "components" ? ItemKind::kComponent
+                    : list == "nets"     ? ItemKind::kNet
+                                         : ItemKind::kPort;
+    return builder_.AddItem(stack_[1].count, kind, stack_[3].count++, items_.Root());
+  }
+
+  bool Open(bool isObject) {
+    if (InItem()) {
+      uint32_t node = Place(isObject ? ItemTree::Kind::kObject : ItemTree::Kind::kArray);
+      stack_.push_back(Frame{isObject, Json(), node, {}, 0, nullptr});
+    } else {
+      stack_.push_back(Frame{isObject, isObject ? Json::object() : Json::array(), 0, {}, 0, nullptr});
+    }
+    return true;
+  }
+
+  bool Close() {
+    if (itemDepth_ != 0) {
+      stack_.pop_back();
+      return Done();
+    }
+    Json done = std::move(stack_.back().value);
+    stack_.pop_back();
+    return Value(std::move(done));
+  }
+
   // Small objects are searched; a large one gets a set of its keys, so that an object with
   // many members (groups, symbols, attributes) is still read in linear time.
-  static bool SeenKey(Frame& frame, const std::string& key) {
-    const Json::object_t& members = frame.value.get_ref<const Json::object_t&>();
-    if (!frame.keys && members.size() < kSearchedKeys) {
-      for (const auto& member : members)
+  bool SeenKey(Frame& frame, const std::string& key) const {
+    size_t members = 0;
+    if (itemDepth_ != 0) {
+      members = ItemTree::Value(&items_, frame.node).size();
+    } else {
+      members = frame.value.get_ref<const Json::object_t&>().size();
+    }
+    if (!frame.keys && members < kSearchedKeys) {
+      if (itemDepth_ != 0) return items_.HasKey(frame.node, key);
+      for (const auto& member : frame.value.get_ref<const Json::object_t&>())
         if (member.first == key) return true;
       return false;
     }
     if (!frame.keys) {
       frame.keys = std::make_unique<std::unordered_set<std::string>>();
-      for (const auto& member : members) frame.keys->insert(member.first);
+      if (itemDepth_ != 0) {
+        for (ItemTree::Value m = ItemTree::Value(&items_, frame.node).First(); m.Valid(); m = m.Next())
+          frame.keys->emplace(m.Key());
+      } else {
+        for (const auto& member : frame.value.get_ref<const Json::object_t&>())
+          frame.keys->insert(member.first);
+      }
     }
     return !frame.keys->insert(key).second;
   }
 
   static constexpr size_t kSearchedKeys = 16;
 
-  bool Pop() {
-    Json done = std::move(stack_.back().value);
-    stack_.pop_back();
-    return Value(std::move(done));
-  }
+  bool InBlocks() const { return stack_[0].isObject && stack_[0].key == "blocks" && !stack_[1].isObject; }
 
-  bool InBlocks() const { return stack_[0].value.is_object() && stack_[0].key == "blocks" && stack_[1].value.is_array(); }
-
-  // Places a complete value in its parent, unless it is a block or an item of one.
+  // Places a complete value outside the items in its parent, unless it is a block.
   bool Value(Json value) {
     if (stack_.empty()) return builder_.EndRoot(value);
     if (stack_.size() == 2 && InBlocks()) return builder_.EndBlock(stack_[1].count++, value);
-    if (stack_.size() == 4 && InBlocks() && stack_[2].value.is_object() && stack_[3].value.is_array()) {
-      const std::string& list = stack_[2].key;
-      ItemKind kind = list == "components" ? ItemKind::kComponent
-                      : list == "nets"     ? ItemKind::kNet
-                                           : ItemKind::kPort;
-      if (list == "components" || list == "nets" || list == "ports")
-        return builder_.AddItem(stack_[1].count, kind, stack_[3].count++, value);
-    }
     Frame& parent = stack_.back();
-    if (parent.value.is_object()) {
+    if (parent.isObject) {
       // The key is known to be new: append without the map's own search.
       Json::object_t& members = parent.value.get_ref<Json::object_t&>();
       members.Json::object_t::Container::emplace_back(parent.key, std::move(value));
@@ -112,7 +190,7 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
     std::string path;
     for (size_t i = 0; i + 1 < stack_.size(); ++i) {
       const Frame& frame = stack_[i];
-      if (frame.value.is_object()) {
+      if (frame.isObject) {
         path += (path.empty() ? "" : ".") + frame.key;
       } else {
         path += "[" + std::to_string(frame.count) + "]";
@@ -143,6 +221,8 @@ class StreamingHandler : public nlohmann::json_sax<Json> {
   const std::string& text_;
   DesignBuilder& builder_;
   std::vector<Frame> stack_;
+  ItemTree items_;        // the item being read
+  size_t itemDepth_ = 0;  // while an item is read: the depth of its list; 0 otherwise
   std::string error_;
 };
 

@@ -51,14 +51,17 @@ class SqliteStmt {
   void Bind(int col, const std::string& text) {
     sqlite3_bind_text(stmt_, col, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
   }
+  /// Binds the words themselves rather than a copy: they must stay as they are until Run().
   void Bind(int col, const std::vector<uint32_t>& words) {
-    sqlite3_bind_blob(stmt_, col, words.data(), static_cast<int>(words.size() * 4), SQLITE_TRANSIENT);
+    sqlite3_bind_blob(stmt_, col, words.data(), static_cast<int>(words.size() * 4), SQLITE_STATIC);
   }
+  /// Binds the bytes themselves rather than a copy: they must stay as they are until Run().
   void BindBytes(int col, const std::string& bytes) {
-    sqlite3_bind_blob(stmt_, col, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
+    sqlite3_bind_blob(stmt_, col, bytes.data(), static_cast<int>(bytes.size()), SQLITE_STATIC);
   }
   int64_t Int(int col) const { return sqlite3_column_int64(stmt_, col); }
   bool IsNull(int col) const { return sqlite3_column_type(stmt_, col) == SQLITE_NULL; }
+  int Type(int col) const { return sqlite3_column_type(stmt_, col); }
   bool IsInteger(int col) const { return sqlite3_column_type(stmt_, col) == SQLITE_INTEGER; }
   std::string Text(int col) const {
     const unsigned char* text = sqlite3_column_text(stmt_, col);

@@ -88,6 +88,10 @@ bool StringPool::Find(std::string_view text, uint32_t& id) const {
   return true;
 }
 
+void StringPool::Prefetch(std::string_view text) const {
+  if (!index_.empty()) __builtin_prefetch(&index_[HashOf(text) & (index_.size() - 1)]);
+}
+
 void StringPool::ReleaseIndex() {
   std::vector<Slot>().swap(index_);
   indexed_ = 0;

@@ -24,11 +24,19 @@ class StringPool {
   uint32_t Append(std::string_view text);
   /// The id of `text`, or false when the pool does not hold it (needs interning mode).
   bool Find(std::string_view text, uint32_t& id) const;
+  /// Starts loading the index slot where `text` would be found, for an Intern() a little later:
+  /// in a large pool most new texts cost a cache miss there, which can then overlap other work.
+  void Prefetch(std::string_view text) const;
 
   std::string_view View(uint32_t id) const { return {texts_[id], lengths_[id]}; }
   const char* CStr(uint32_t id) const { return texts_[id]; }
   uint32_t Size() const { return static_cast<uint32_t>(texts_.size()); }
   bool Valid(uint32_t id) const { return id < texts_.size(); }
+  /// Makes room for `count` texts in all, so that growing does not leave up to half the lists unused.
+  void Reserve(size_t count) {
+    texts_.reserve(count);
+    lengths_.reserve(count);
+  }
   /// Drops the lookup index once no more interning is needed.
   void ReleaseIndex();
 

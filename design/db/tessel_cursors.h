@@ -37,6 +37,9 @@ class SeqCursor : public Tessel::CursorT<const Iface> {
 
 template <class Iface, class Policy>
 Tessel::IteratorT<const Iface> MakeIterator(Policy policy, uint32_t pos, uint32_t end) {
+  // An iterator without a cursor reads exactly as one over an empty range (finished, invalid
+  // object), and most pins have no bus: no allocation for those.
+  if (pos >= end) return Tessel::IteratorT<const Iface>();
   return Tessel::IteratorT<const Iface>(std::make_unique<SeqCursor<Iface, Policy>>(policy, pos, end));
 }
 

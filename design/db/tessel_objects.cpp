@@ -11,16 +11,20 @@ using Tessel::IteratorT;
 
 namespace {
 
-String Text(const Database* db, uint32_t id) { return String(std::string(db->design().strings.View(id))); }
+// Sets `out` to a stored text in place: a caller that reads a field of every component or pin into
+// the same String keeps its buffer instead of a new string each time.
+void SetText(String& out, const Database* db, uint32_t id) {
+  out.str().assign(db->design().strings.View(id));
+}
 
 // Looks `key` up in an attribute list; the value is empty when it is absent.
 Result ReadAttr(const Database* db, uint32_t list, const String& key, String& value) {
   uint32_t found = 0;
   if (!FindAttr(db->design(), list, key.str(), found)) {
-    value = "";
+    value.str().clear();
     return Result::Fail("not found");
   }
-  value = Text(db, found);
+  SetText(value, db, found);
   return Result::Ok();
 }
 
@@ -35,7 +39,7 @@ void ListGroup(Tessel::ListT<Tessel::GroupInfo>& groups, const Database* db, uin
 
 Result BusIterator(const Database* db, uint32_t bus, IteratorT<const Tessel::IBus>& it) {
   it = MakeIterator<Tessel::IBus>(BusPolicy{db, bus}, 0, bus != 0 ? 1 : 0);
-  return bus != 0 ? Result::Ok() : Result::Fail("no bus connected");
+  return bus != 0 ? Result::Ok() : Result::Fail("no bus");  // short enough to need no allocation
 }
 
 }  // namespace
@@ -46,7 +50,7 @@ Result BlockObj::IsValid() const { return db_ ? Result::Ok() : kInvalid; }
 
 Result BlockObj::GetName(String& name) const {
   if (!db_) return kInvalid;
-  name = Text(db_, db_->design().blocks[block_].name);
+  SetText(name, db_, db_->design().blocks[block_].name);
   return Result::Ok();
 }
 
@@ -93,7 +97,8 @@ Result BlockObj::GetComp(ContainerT<const Tessel::IComp>& comp, const Index& ind
   const BlockRec& b = db_->design().blocks[block_];
   if (index.word0 != block_ + 1 || index.Top8() != kTagComp || index.Low24() >= b.compsEnd - b.compsBegin)
     return Result::Fail("no component with that index in this block");
-  comp = ContainerT<const Tessel::IComp>(std::make_shared<CompObj>(db_, b.compsBegin + index.Low24(), nullptr, 0));
+  comp = ContainerT<const Tessel::IComp>(
+      std::make_shared<CompObj>(db_, b.compsBegin + index.Low24(), nullptr, 0));
   return Result::Ok();
 }
 
@@ -119,7 +124,7 @@ Result CompObj::IsValid() const { return db_ ? Result::Ok() : kInvalid; }
 
 Result CompObj::GetName(String& name) const {
   if (!db_) return kInvalid;
-  name = Text(db_, Record()->name);
+  SetText(name, db_, Record()->name);
   return Result::Ok();
 }
 
@@ -140,13 +145,13 @@ Result CompObj::GetType(Tessel::BitContainerT<Tessel::ECompType, 1>& type) const
 
 Result CompObj::GetLabel(String& label) const {
   if (!db_) return kInvalid;
-  label = Text(db_, Record()->label);
+  SetText(label, db_, Record()->label);
   return Result::Ok();
 }
 
 Result CompObj::GetPartitionName(String& partition) const {
   if (!db_) return kInvalid;
-  partition = Text(db_, Record()->partition);
+  SetText(partition, db_, Record()->partition);
   return Result::Ok();
 }
 
@@ -194,8 +199,8 @@ Result CompObj::GetAttributes(Tessel::ListAttribute& attributes) const {
   for (auto [list, level] : {std::pair<uint32_t, int32_t>{c->instAttrs, 2}, {c->defAttrs, 1}}) {
     for (uint32_t i = 0; i < lists.PairCount(list); ++i) {
       Tessel::Attribute a;
-      a.name = Text(db_, lists.Key(list, i));
-      a.value = Text(db_, lists.Value(list, i));
+      SetText(a.name, db_, lists.Key(list, i));
+      SetText(a.value, db_, lists.Value(list, i));
       a.level = level;
       attributes.items.push_back(std::move(a));
     }
@@ -251,7 +256,7 @@ Result NetObj::GetInstanceIndex(Index& index) const {
 
 Result NetObj::GetLabel(String& label) const {
   if (!db_) return kInvalid;
-  label = Text(db_, Record()->label);
+  SetText(label, db_, Record()->label);
   return Result::Ok();
 }
 
@@ -263,8 +268,10 @@ Result NetObj::IsGlobal(bool& global) const {
 
 // Net attributes have one level; any level asked for reads it.
 Result NetObj::GetAttribute(const String& key, String& value, Tessel::EAttributeType) const {
-  value = "";
-  if (!db_) return kInvalid;
+  if (!db_) {
+    value = "";
+    return kInvalid;
+  }
   return ReadAttr(db_, Record()->attrs, key, value);
 }
 
@@ -290,7 +297,7 @@ Result PinObj::IsValid() const { return db_ ? Result::Ok() : kInvalid; }
 
 Result PinObj::GetName(String& name) const {
   if (!db_) return kInvalid;
-  name = Text(db_, db_->design().pins[pin_].name);
+  SetText(name, db_, db_->design().pins[pin_].name);
   return Result::Ok();
 }
 
@@ -338,7 +345,7 @@ Result PortObj::IsValid() const { return db_ ? Result::Ok() : kInvalid; }
 
 Result PortObj::GetName(String& name) const {
   if (!db_) return kInvalid;
-  name = Text(db_, db_->design().ports[port_].name);
+  SetText(name, db_, db_->design().ports[port_].name);
   return Result::Ok();
 }
 
@@ -386,7 +393,7 @@ Result BusObj::IsValid() const { return db_ ? Result::Ok() : kInvalid; }
 
 Result BusObj::GetLabel(String& label) const {
   if (!db_) return kInvalid;
-  label = Text(db_, label_);
+  SetText(label, db_, label_);
   return Result::Ok();
 }
 

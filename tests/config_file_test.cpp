@@ -80,8 +80,12 @@ TEST_F(ConfigFileTest, NextWordAndRestOfLineForms) {
 TEST_F(ConfigFileTest, PathsKeyChoosesTheFormOfSimulatorPaths) {
   EXPECT_FALSE(gen_.config.WindowsPaths());  // NATIVE by default
   const std::pair<const char*, bool> cases[] = {
-      {"PATHS WINDOWS\n", true},  {"PATHS windows extra\n", true}, {"PATHS NATIVE\n", false},
-      {"PATHS\n", false},         {"PATHS WINDOWS7\n", false},     {"paths WINDOWS\n", false},
+      {"PATHS WINDOWS\n", true},
+      {"PATHS windows extra\n", true},
+      {"PATHS NATIVE\n", false},
+      {"PATHS\n", false},
+      {"PATHS WINDOWS7\n", false},
+      {"paths WINDOWS\n", false},
       {"PATHS WINDOWS\nPATHS NATIVE\n", false},
   };
   for (const auto& [text, windows] : cases) {

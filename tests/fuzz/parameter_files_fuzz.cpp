@@ -17,7 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::WriteFile("sym/nmod.par", parts[1]);
   std::unordered_map<std::string, std::string> internalNames{{"x1", "$1I1"}};
   std::string line = "X1 A B nmod PARAMS: W=1", currentInstance;
-  LoadInstanceParameters("X1", "nmod", line, internalNames, currentInstance);
+  // A fresh cache, so that every input is read from the files just written.
+  ParameterFileCache cache;
+  LoadInstanceParameters("X1", "nmod", line, internalNames, currentInstance, cache);
 
   ParameterFile file;
   file.Assign(parts[0]);

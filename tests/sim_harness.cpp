@@ -206,6 +206,18 @@ void RemoveScratch(const std::string& folder) {
   fs::remove_all(folder, ignored);
 }
 
+const std::vector<DeckForm>& PlainDeckForms() {
+  static const std::vector<DeckForm> forms = {
+      {"BerkeleyFlat", "-s", ""},          {"BerkeleyHier", "-s -h", ""},
+      {"BerkeleyFlatNamed", "-s -n", ""},  {"BerkeleyHierNamed", "-s -h -n", ""},
+      {"PspiceFlat", "-p", "psa"},         {"PspiceHier", "-p -h", "psa"},
+      {"PspiceFlatNamed", "-p -n", "psa"}, {"PspiceHierNamed", "-p -h -n", "psa"},
+      {"HspiceFlat", "-m", "hsa"},         {"HspiceHier", "-m -h", "hsa"},
+      {"HspiceFlatNamed", "-m -n", "hsa"}, {"HspiceHierNamed", "-m -h -n", "hsa"},
+  };
+  return forms;
+}
+
 const std::map<std::string, std::string>& ProjectEnvironment() {
   static const std::map<std::string, std::string> environment = {{"GALT_HOME", "galt"},
                                                                  {"SOURCE_DATE_EPOCH", "0"}};

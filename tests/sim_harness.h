@@ -54,6 +54,9 @@ struct DeckForm {
   std::string ngBehavior;
 };
 
+/// Every plain flavour (Berkeley SPICE, Pspice, HSPICE), flat and hierarchical, numbered and named.
+const std::vector<DeckForm>& PlainDeckForms();
+
 /// The environment of a vesk run in a project folder made by the tests.
 const std::map<std::string, std::string>& ProjectEnvironment();
 

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <random>
 #include <sstream>
 #include <string>
@@ -114,20 +115,10 @@ class DesignMaker {
   std::string Number() { return std::to_string(Next()); }
 
   std::string NetLabel() {
+    static const char* const kTails[] = {"/a", "-b", ".c", "x_a.rather-long/net_label_of_many_characters"};
     std::string k = Number();
-    switch (dice_.Below(6)) {
-      case 0:
-      case 1:
-        return k;
-      case 2:
-        return "n" + k + "/a";
-      case 3:
-        return "n" + k + "-b";
-      case 4:
-        return "n" + k + ".c";
-      default:
-        return "n" + k + "x_a.rather-long/net_label_of_many_characters";
-    }
+    int shape = dice_.Below(6);
+    return shape < 2 ? k : "n" + k + kTails[shape - 2];
   }
 
   int AddNet(Block& block, NetKind kind, std::string label = "") {
@@ -292,18 +283,9 @@ const char kSymbols[] = R"(  "symbols": {
 )";
 
 std::string SymbolOf(char letter) {
-  switch (letter) {
-    case 'R':
-      return "RES.1";
-    case 'V':
-      return "VSRC.1";
-    case 'I':
-      return "ISRC.1";
-    case 'E':
-      return "VCVS.1";
-    default:
-      return "VCCS.1";
-  }
+  static const std::map<char, std::string> kSymbolOf = {
+      {'R', "RES.1"}, {'V', "VSRC.1"}, {'I', "ISRC.1"}, {'E', "VCVS.1"}, {'G', "VCCS.1"}};
+  return kSymbolOf.at(letter);
 }
 
 std::string PrimitiveJson(const Block& block, const Primitive& part) {
@@ -425,19 +407,6 @@ class ReferenceWriter {
   int elements_ = 0;
 };
 
-std::string ReadSourceFile(const std::string& relative) {
-  return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative);
-}
-
-const DeckForm kForms[] = {
-    {"BerkeleyFlat", "-s", ""},          {"BerkeleyHier", "-s -h", ""},
-    {"BerkeleyFlatNamed", "-s -n", ""},  {"BerkeleyHierNamed", "-s -h -n", ""},
-    {"PspiceFlat", "-p", "psa"},         {"PspiceHier", "-p -h", "psa"},
-    {"PspiceFlatNamed", "-p -n", "psa"}, {"PspiceHierNamed", "-p -h -n", "psa"},
-    {"HspiceFlat", "-m", "hsa"},         {"HspiceHier", "-m -h", "hsa"},
-    {"HspiceFlatNamed", "-m -n", "hsa"}, {"HspiceHierNamed", "-m -h -n", "hsa"},
-};
-
 class RandomCircuitTest : public ::testing::TestWithParam<uint32_t> {
  protected:
   void TearDown() override { RemoveScratch(folder_); }
@@ -451,7 +420,7 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
   folder_ = MakeScratch("random");
   std::string designJson = DesignJson(design);
   WriteText(folder_ + "/design.json", designJson);
-  WriteText(folder_ + "/galt/standard/vesk.cfg", ReadSourceFile("examples/standard/vesk.cfg"));
+  WriteText(folder_ + "/galt/standard/vesk.cfg", ReadText(std::string(VESK_SOURCE_DIR) + "/examples/standard/vesk.cfg"));
   WriteText(folder_ + "/analyses.inc", ".OP\n");
   const std::map<std::string, std::string>& env = ProjectEnvironment();
   std::string output, errors;
@@ -465,7 +434,7 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
   std::map<std::string, double> expected = reference.OperatingPoint();
   ASSERT_FALSE(expected.empty()) << reference.transcript;
 
-  for (const DeckForm& form : kForms) {
+  for (const DeckForm& form : PlainDeckForms()) {
     SCOPED_TRACE(form.testName + " (vesk " + form.switches + ")");
     std::string deckName = form.testName;
     std::string args = form.switches + " -ganalyses.inc -!" + deckName + " " + design.testBench;

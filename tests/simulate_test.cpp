@@ -72,22 +72,7 @@ TEST_P(SimulateTest, OperatingPointOfTheDivider) {
   EXPECT_NEAR(current->front().real(), kSourceCurrent, 1e-9) << sim.transcript;
 }
 
-const DeckForm kForms[] = {
-    {"BerkeleyFlat", "-s", ""},
-    {"BerkeleyHierarchical", "-s -h", ""},
-    {"PspiceFlat", "-p", "psa"},
-    {"PspiceHierarchical", "-p -h", "psa"},
-    {"HspiceFlat", "-m", "hsa"},
-    {"HspiceHierarchical", "-m -h", "hsa"},
-    {"BerkeleyFlatNodeNames", "-s -n", ""},
-    {"BerkeleyHierarchicalNodeNames", "-s -h -n", ""},
-    {"PspiceFlatNodeNames", "-p -n", "psa"},
-    {"PspiceHierarchicalNodeNames", "-p -h -n", "psa"},
-    {"HspiceFlatNodeNames", "-m -n", "hsa"},
-    {"HspiceHierarchicalNodeNames", "-m -h -n", "hsa"},
-};
-
-INSTANTIATE_TEST_SUITE_P(ExampleDivider, SimulateTest, ::testing::ValuesIn(kForms),
+INSTANTIATE_TEST_SUITE_P(ExampleDivider, SimulateTest, ::testing::ValuesIn(PlainDeckForms()),
                          [](const ::testing::TestParamInfo<DeckForm>& info) { return info.param.testName; });
 
 }  // namespace

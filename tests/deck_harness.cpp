@@ -18,6 +18,9 @@ namespace fs = std::filesystem;
 
 extern char** environ;
 
+#ifndef VESK_SOURCE_DIR
+#define VESK_SOURCE_DIR "."
+#endif
 #ifndef VESK_BIN_DIR
 #define VESK_BIN_DIR "build"
 #endif
@@ -63,12 +66,51 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
   return pointers;
 }
 
-void WriteText(const fs::path& path, const std::string& text) {
-  if (path.has_parent_path()) fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
+}  // namespace
+
+std::string ReadText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
-}  // namespace
+void WriteText(const std::string& path, const std::string& text) {
+  fs::path file(path);
+  if (file.has_parent_path()) fs::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+std::string MakeScratch(const std::string& tag) {
+  std::string pattern = "/tmp/vesk-" + tag + "-XXXXXX";
+  std::vector<char> buffer(pattern.begin(), pattern.end());
+  buffer.push_back('\0');
+  return ::mkdtemp(buffer.data());
+}
+
+void RemoveScratch(const std::string& folder) {
+  if (folder.empty() || std::getenv("VESK_KEEP")) return;
+  std::error_code ignored;
+  fs::remove_all(folder, ignored);
+}
+
+std::string SourceText(const std::string& relative) { return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative); }
+
+std::vector<std::pair<std::string, std::string>> ReadCaseTable(const std::string& relative) {
+  std::vector<std::pair<std::string, std::string>> cases;
+  std::istringstream table(SourceText(relative));
+  std::string text, line;
+  while (std::getline(table, line)) {
+    if (line.rfind("#", 0) == 0 || (line.empty() && text.empty())) continue;
+    if (line.rfind("=> ", 0) == 0) {
+      cases.emplace_back(text, line.substr(3));
+      text.clear();
+    } else {
+      text += (text.empty() ? "" : "\n") + line;
+    }
+  }
+  return cases;
+}
 
 std::string BinaryDir() { return VESK_BIN_DIR; }
 
@@ -129,12 +171,7 @@ VeskRun::~VeskRun() {
 
 bool VeskRun::Exists(const std::string& relative) const { return fs::exists(fs::path(folder) / relative); }
 
-std::string VeskRun::Read(const std::string& relative) const {
-  std::ifstream in(fs::path(folder) / relative, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+std::string VeskRun::Read(const std::string& relative) const { return ReadText(folder + "/" + relative); }
 
 VeskRun RunVesk(const std::string& designJson, const std::string& args, const VeskInput& input) {
   char pattern[] = "/tmp/vesk-run-XXXXXX";
@@ -142,13 +179,13 @@ VeskRun RunVesk(const std::string& designJson, const std::string& args, const Ve
   fs::path root = ::mkdtemp(pattern);
   run.folder = (root / "run").string();
   fs::create_directories(run.folder);
-  for (const auto& [path, text] : input.files) WriteText(fs::path(run.folder) / path, text);
-  if (input.config) WriteText(fs::path(run.folder) / "galt/standard/vesk.cfg", *input.config);
+  for (const auto& [path, text] : input.files) WriteText(run.folder + "/" + path, text);
+  if (input.config) WriteText(run.folder + "/galt/standard/vesk.cfg", *input.config);
   std::map<std::string, std::string> env = {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}};
   for (const auto& [name, value] : input.env) env[name] = value;
   std::string ignored;
   if (!designJson.empty() && input.import) {
-    WriteText(root / "design.json", designJson);
+    WriteText((root / "design.json").string(), designJson);
     int rc =
         RunProgram(BinaryDir() + "/vesk-db", "import ../design.json", run.folder, env, ignored, run.errors);
     if (rc != 0) {

@@ -93,8 +93,7 @@ TEST(HostileInputTest, OutputFolderTheUserGivesMayLieOutside) {
 
 // Counts in the file far beyond what it holds are refused as damage.
 TEST(HostileInputTest, HugeCountsInTheDatabaseAreRefused) {
-  char pattern[] = "/tmp/vesk-hostile-db-XXXXXX";
-  const fs::path folder = ::mkdtemp(pattern);
+  const fs::path folder = MakeScratch("hostile-db");
   std::string error;
   ASSERT_TRUE(ImportDesign(R"({ "blocks": [ )" + Resistor("TOP") + " ] }", folder.string(), error)) << error;
   const fs::path file = folder / "database" / vdb::kDatabaseFile;
@@ -114,7 +113,7 @@ TEST(HostileInputTest, HugeCountsInTheDatabaseAreRefused) {
     EXPECT_EQ(output.rfind("Couldn't Open TESSEL DataBase\n", 0), 0u) << edit << ": " << output;
     EXPECT_EQ(errors, "") << edit;
   }
-  fs::remove_all(folder);
+  RemoveScratch(folder.string());
 }
 
 }  // namespace

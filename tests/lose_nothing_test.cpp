@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
@@ -38,16 +37,6 @@ std::string TwoBlocks(int count, const std::string& value) {
   return json + "] }";
 }
 
-void WriteText(const fs::path& path, const std::string& text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string ReadText(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
 // Starts `program` with `args` in `folder`, output to /dev/null; returns its process id.
 pid_t Start(const std::string& program, const std::vector<std::string>& args, const fs::path& folder) {
   std::vector<std::string> texts{program};
@@ -76,11 +65,10 @@ int Wait(pid_t child) {
 class ProjectFolder : public ::testing::Test {
  protected:
   void SetUp() override {
-    char pattern[] = "/tmp/vesk-lose-XXXXXX";
-    folder_ = ::mkdtemp(pattern);
+    folder_ = MakeScratch("lose");
     WriteText(folder_ / "galt/standard/vesk.cfg", "");
   }
-  void TearDown() override { fs::remove_all(folder_); }
+  void TearDown() override { RemoveScratch(folder_.string()); }
   fs::path folder_;
 };
 

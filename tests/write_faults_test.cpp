@@ -147,12 +147,10 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
     GTEST_SKIP() << "no small file system here (needs root and mount)";
   // Unmounted however the test ends.
   std::unique_ptr<const char, void (*)(const char*)> unmount(mount.c_str(), [](const char* path) { ::umount(path); });
-  for (const char* file : {"database/design.sqlite", "galt/standard/vesk.cfg"}) {
-    fs::create_directories((mount / file).parent_path());
-    std::ofstream(mount / file, std::ios::binary) << prepared.Read(file);
-  }
+  for (const char* file : {"database/design.sqlite", "galt/standard/vesk.cfg"})
+    WriteText((mount / file).string(), prepared.Read(file));
   const std::string database = prepared.Read("database/design.sqlite");
-  std::ofstream(mount / "TOP.cir") << kOldDeck;
+  WriteText((mount / "TOP.cir").string(), kOldDeck);
   {
     // Fill the rest of the file system.
     std::ofstream filler(mount / "filler", std::ios::binary);
@@ -162,16 +160,11 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
   }
   std::string output, errors;
   int rc = RunProgram(BinaryDir() + "/vesk", "-h TOP", mount.string(), {{"GALT_HOME", "galt"}}, output, errors);
-  std::ifstream deckIn(mount / "TOP.cir");
-  std::string deck((std::istreambuf_iterator<char>(deckIn)), std::istreambuf_iterator<char>());
-  std::ifstream dbIn(mount / "database/design.sqlite", std::ios::binary);
-  std::string db((std::istreambuf_iterator<char>(dbIn)), std::istreambuf_iterator<char>());
-  std::string left = LeftOvers(mount.string());
   EXPECT_EQ(rc, 5) << output << errors;
   EXPECT_NE(output.find("Error: cannot write TOP.cir: No space left on device"), std::string::npos) << output;
-  EXPECT_EQ(deck, kOldDeck);
-  EXPECT_TRUE(db == database) << "the database changed";
-  EXPECT_EQ(left, "");
+  EXPECT_EQ(ReadText((mount / "TOP.cir").string()), kOldDeck);
+  EXPECT_TRUE(ReadText((mount / "database/design.sqlite").string()) == database) << "the database changed";
+  EXPECT_EQ(LeftOvers(mount.string()), "");
 }
 
 }  // namespace

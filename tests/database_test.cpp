@@ -129,7 +129,6 @@ class DatabaseTest : public ::testing::Test {
 
 // TOP places MID through X1 and LEAF three times: through X2, through X3 (type bits 3) and, inside
 // MID, through XL. XP holds a child but is no hierarchical instance; XN is one without a child.
-
 TEST_F(DatabaseTest, ConfigsWalkTheTreeDepthFirstNamePathsWithTheCallersSeparatorAndFilterByTypeBitTwo) {
   Open(SourceText("tests/vesk_db/tree.json"));
   auto config = Config(Block("TOP"));

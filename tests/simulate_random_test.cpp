@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/deck_harness.h"
 #include "tests/sim_harness.h"
 
@@ -270,85 +272,55 @@ class DesignMaker {
   Design design_;
 };
 
-std::string Quote(const std::string& text) { return "\"" + text + "\""; }
+using Json = nlohmann::ordered_json;
 
-const char kSymbols[] = R"(  "symbols": {
-    "RES.1":  { "PREFIX": "R", "ORDER": "VALUE$" },
-    "VSRC.1": { "PREFIX": "V", "ORDER": "\"DC\" VALUE$" },
-    "ISRC.1": { "PREFIX": "I", "ORDER": "\"DC\" VALUE$" },
-    "VCVS.1": { "PREFIX": "E", "ORDER": "VALUE$", "PINORDER": "P N CP CN" },
-    "VCCS.1": { "PREFIX": "G", "ORDER": "VALUE$", "PINORDER": "P N CP CN" },
-    "SUB.1":  { "PREFIX": "X" }
-  },
-)";
-
-std::string SymbolOf(char letter) {
-  static const std::map<char, std::string> kSymbolOf = {
-      {'R', "RES.1"}, {'V', "VSRC.1"}, {'I', "ISRC.1"}, {'E', "VCVS.1"}, {'G', "VCCS.1"}};
-  return kSymbolOf.at(letter);
+Json Symbols() {
+  return {{"RES.1", {{"PREFIX", "R"}, {"ORDER", "VALUE$"}}},
+          {"VSRC.1", {{"PREFIX", "V"}, {"ORDER", "\"DC\" VALUE$"}}},
+          {"ISRC.1", {{"PREFIX", "I"}, {"ORDER", "\"DC\" VALUE$"}}},
+          {"VCVS.1", {{"PREFIX", "E"}, {"ORDER", "VALUE$"}, {"PINORDER", "P N CP CN"}}},
+          {"VCCS.1", {{"PREFIX", "G"}, {"ORDER", "VALUE$"}, {"PINORDER", "P N CP CN"}}},
+          {"SUB.1", {{"PREFIX", "X"}}}};
 }
 
-std::string PrimitiveJson(const Block& block, const Primitive& part) {
+Json PrimitiveJson(const Block& block, const Primitive& part) {
+  static const std::map<char, std::string> kSymbolOf = {
+      {'R', "RES.1"}, {'V', "VSRC.1"}, {'I', "ISRC.1"}, {'E', "VCVS.1"}, {'G', "VCCS.1"}};
   static const char* const kPins[] = {"P", "N", "CP", "CN"};
-  std::ostringstream json;
-  json << "{ \"label\": " << Quote(part.label) << ", \"name\": " << Quote(SymbolOf(part.letter))
-       << ", \"attributes\": { \"VALUE\": " << Quote(part.value.text) << " }, \"pins\": [";
   // Controlled sources list their control pins first: the pin order attribute must put them last.
   std::vector<size_t> pinOrder = {0, 1};
   if (part.nets.size() == 4) pinOrder = {2, 3, 0, 1};
-  for (size_t k = 0; k < pinOrder.size(); ++k)
-    json << (k ? ", " : " ") << "{ \"name\": \"" << kPins[pinOrder[k]]
-         << "\", \"net\": " << Quote(block.nets[part.nets[pinOrder[k]]].label) << " }";
-  json << " ] }";
-  return json.str();
+  Json pins = Json::array();
+  for (size_t pin : pinOrder) pins.push_back({{"name", kPins[pin]}, {"net", block.nets[part.nets[pin]].label}});
+  return {{"label", part.label}, {"name", kSymbolOf.at(part.letter)}, {"attributes", {{"VALUE", part.value.text}}},
+          {"pins", pins}};
 }
 
-std::string InstanceJson(const Design& design, const Block& block, const Instance& instance) {
+Json InstanceJson(const Design& design, const Block& block, const Instance& instance) {
   const Block& child = design.blocks[instance.child];
-  std::ostringstream json;
-  json << "{ \"label\": " << Quote(instance.label)
-       << ", \"name\": " << Quote(instance.bare ? "BARE.1" : "SUB.1")
-       << ", \"type\": 2, \"child\": " << Quote(child.name) << ", \"pins\": [";
+  Json pins = Json::array();
   for (int p = 0; p < child.ports; ++p)
-    json << (p ? ", " : " ") << "{ \"name\": " << Quote(child.nets[p].label)
-         << ", \"net\": " << Quote(block.nets[instance.nets[p]].label) << " }";
-  json << " ] }";
-  return json.str();
+    pins.push_back({{"name", child.nets[p].label}, {"net", block.nets[instance.nets[p]].label}});
+  return {{"label", instance.label}, {"name", instance.bare ? "BARE.1" : "SUB.1"}, {"type", 2},
+          {"child", child.name}, {"pins", pins}};
 }
 
-std::string BlockJson(const Design& design, const Block& block) {
-  std::ostringstream json;
-  json << "    { \"name\": " << Quote(block.name) << ",\n      \"ports\": [";
-  for (int p = 0; p < block.ports; ++p)
-    json << (p ? ", " : " ") << "{ \"name\": " << Quote(block.nets[p].label)
-         << ", \"net\": " << Quote(block.nets[p].label) << " }";
-  json << " ],\n      \"nets\": [";
-  for (size_t n = 0; n < block.nets.size(); ++n) {
-    bool global = block.nets[n].kind == NetKind::Global || block.nets[n].label == "GND";
-    json << (n ? ", " : " ") << "{ \"label\": " << Quote(block.nets[n].label)
-         << ", \"global\": " << (global ? "true" : "false") << " }";
-  }
-  json << " ],\n      \"components\": [\n";
-  for (size_t c = 0; c < block.order.size(); ++c) {
-    int item = block.order[c];
-    json << "        "
-         << (item >= 0 ? PrimitiveJson(block, block.primitives[item])
-                       : InstanceJson(design, block, block.instances[-1 - item]))
-         << (c + 1 < block.order.size() ? ",\n" : "\n");
-  }
-  json << "      ] }";
-  return json.str();
+Json BlockJson(const Design& design, const Block& block) {
+  Json ports = Json::array(), nets = Json::array(), components = Json::array();
+  for (int p = 0; p < block.ports; ++p) ports.push_back({{"name", block.nets[p].label}, {"net", block.nets[p].label}});
+  for (const Net& net : block.nets)
+    nets.push_back({{"label", net.label}, {"global", net.kind == NetKind::Global || net.label == "GND"}});
+  for (int item : block.order)
+    components.push_back(item >= 0 ? PrimitiveJson(block, block.primitives[item])
+                                   : InstanceJson(design, block, block.instances[-1 - item]));
+  return {{"name", block.name}, {"ports", ports}, {"nets", nets}, {"components", components}};
 }
 
 std::string DesignJson(const Design& design) {
-  std::ostringstream json;
-  json << "{\n"
-       << kSymbols << "  \"testbenches\": { " << Quote(design.testBench) << ": "
-       << Quote(design.blocks[0].name) << " },\n  \"blocks\": [\n";
-  for (size_t b = 0; b < design.blocks.size(); ++b)
-    json << BlockJson(design, design.blocks[b]) << (b + 1 < design.blocks.size() ? ",\n" : "\n");
-  json << "  ]\n}\n";
-  return json.str();
+  Json blocks = Json::array();
+  for (const Block& block : design.blocks) blocks.push_back(BlockJson(design, block));
+  return Json{{"symbols", Symbols()}, {"testbenches", {{design.testBench, design.blocks[0].name}}}, {"blocks", blocks}}
+      .dump(1);
 }
 
 /// Writes the flat reference deck: every occurrence of every primitive, on nodes named by the test.

@@ -85,7 +85,11 @@ Files FilesOf(const NetlistCase& c) {
   return files;
 }
 
-std::string CaseName(const ::testing::TestParamInfo<NetlistCase>& info) { return info.param.name; }
+std::string CaseName(const ::testing::TestParamInfo<NetlistCase>& info) {
+  std::string name = info.param.name;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
 
 // tests/spice/read/<case>/expect: the reader's statements as Describe prints them.
 class SpiceReadTest : public ::testing::TestWithParam<NetlistCase> {};
@@ -124,103 +128,20 @@ std::string DesignOf(const std::string& text, std::vector<vdb::SpiceSideFile>& f
   return vdb::WriteDescription(design);
 }
 
-// Each element's words come back through its ORDER template; keys vesk reads for itself, or
-// would give a unit, are kept whole.
-TEST(SpiceDesignTest, ElementsBecomeComponentsWithTheirTemplate) {
+// tests/spice/design/<case>/expect: the design's description and the side files, each behind a
+// line "=== <path>", in the order they are written.
+class SpiceDesignTest : public ::testing::TestWithParam<NetlistCase> {};
+
+TEST_P(SpiceDesignTest, DescriptionAndSideFiles) {
+  const NetlistCase& c = GetParam();
   std::vector<vdb::SpiceSideFile> files;
-  std::string json = DesignOf(
-      "t\nR1 a 0 1k tc1=1m\nM1 d g 0 0 NCH w=1u m=2\nX1 a d lib r=5\nX2 a 0 ext\n"
-      ".model nch nmos level=1\n.subckt lib p q params: r=1 c=2\nR1 p q {r}\n.ends\n",
-      files);
-  for (
-      const char* fragment :
-      {R"({"label": "R1", "name": "R", "type": 1, "attributes": {"VALUE": "1k", "TC1": "1m"}, "definition": {"PREFIX": "R", "ORDER": "VALUE$ TC1="})",
-       R"("attributes": {"MODEL": "nch", "ARG1": "w=1u", "ARG2": "m=2"}, "definition": {"PREFIX": "M", "ORDER": "MODEL$ ARG1$ ARG2$"})",
-       R"("attributes": {"MODEL": "lib", "R": "5"}, "definition": {"R": "1", "C": "2", "PREFIX": "X", "ORDER": "MODEL$ R="})",
-       R"("attributes": {"MODEL": "ext"}, "definition": {"PREFIX": "X", "ORDER": "MODEL$"})",
-       R"("pins": [{"name": "D", "nets": ["d"]}, {"name": "G", "nets": ["g"]}, {"name": "S", "nets": ["GND"]}, {"name": "B", "nets": ["GND"]}])"})
-    EXPECT_NE(json.find(fragment), std::string::npos) << fragment << "\n" << json;
-  ASSERT_EQ(files.size(), 3u);
-  EXPECT_EQ(files[0].path, "sym/nch.mod");
-  EXPECT_EQ(files[0].text, ".model nch nmos level=1\n");
-  EXPECT_EQ(files[1].path, "sym/lib.mod");
-  EXPECT_EQ(files[1].text, ".subckt lib p q params: r=1 c=2\nR1 p q {r}\n.ends\n");
-  EXPECT_EQ(files[2].path, "TOP.inc");
-  EXPECT_EQ(files[2].text, "* t\n");
+  EXPECT_EQ(DesignOf(ReadText(c.folder / "input.cir"), files), ReadText(c.folder / "expect" / "design.json"));
+  std::string side;
+  for (const vdb::SpiceSideFile& file : files) side += "=== " + file.path + "\n" + file.text;
+  EXPECT_EQ(side, ReadText(c.folder / "expect" / "side-files"));
 }
 
-TEST(SpiceDesignTest, SubcircuitsBecomeBlocksAndInstances) {
-  std::vector<vdb::SpiceSideFile> files;
-  std::string json = DesignOf(
-      "t\nX1 in GND mid\n.subckt mid A b\nX1 A n leaf\nC1 n 0 1p\n.ends\n"
-      ".subckt leaf x y\nD1 x y dx\n.model dx d\n.ends\n",
-      files);
-  for (
-      const char* fragment :
-      {R"({"label": "X1", "name": "mid", "type": 2, "child": "mid", "definition": {"PREFIX": "X", "ORDER": ""}, "pins": [{"name": "A", "nets": ["in"]}, {"name": "b", "nets": ["GND"]}]})",
-       R"({"name": "A", "nets": ["A"]})", R"({"label": "GND", "global": true})",
-       R"("attributes": {"MODEL": "leaf"}, "definition": {"PREFIX": "X", "ORDER": "MODEL$"}, "pins": [{"name": "1", "nets": ["A"]}, {"name": "2", "nets": ["n"]}])"})
-    EXPECT_NE(json.find(fragment), std::string::npos) << fragment << "\n" << json;
-  // leaf has a model of its own: a library sub-circuit, not a block.
-  EXPECT_EQ(json.find(R"("name": "leaf")"), std::string::npos) << json;
-  ASSERT_EQ(files.size(), 2u);
-  EXPECT_EQ(files[0].text, ".subckt leaf x y\nD1 x y dx\n.model dx d\n.ends\n");
-}
-
-// Which sub-circuits stay text: parameters, local statements, elements that name elements.
-TEST(SpiceDesignTest, LibraryOrBlock) {
-  struct Case {
-    const char* definition;
-    bool library;
-  } cases[] = {
-      {".subckt s a b\nR1 a b 1\n.ends\n", false},
-      {".subckt s a b params: k=1\nR1 a b {k}\n.ends\n", true},
-      {".subckt s a b k=1\nR1 a b {k}\n.ends\n", true},
-      {".subckt s a b\n.param k=1\nR1 a b {k}\n.ends\n", true},
-      {".subckt s a b\nL1 a b 1u\nL2 a b 1u\nK1 L1 L2 0.5\n.ends\n", true},
-      {".subckt s a b\nV1 a c 0\nF1 c b V1 2\n.ends\n", true},
-      {".subckt s a b\nV1 a c 0\nH1 c b V1 2\n.ends\n", true},
-      {".subckt s a b\nV1 a c 0\nW1 c b V1 sw\n.ends\n", true},
-  };
-  for (const Case& c : cases) {
-    std::vector<vdb::SpiceSideFile> files;
-    std::string json = DesignOf(std::string("t\nX1 1 0 s\n") + c.definition, files);
-    EXPECT_EQ(json.find(R"("type": 2, "child": "s")") == std::string::npos, c.library)
-        << c.definition << json;
-    EXPECT_EQ(files.size(), c.library ? 2u : 1u) << c.definition;
-  }
-}
-
-// vesk grounds nets whose label begins with "GND"; other such nodes are labelled in lower case.
-TEST(SpiceDesignTest, GroundAndNodesThatLookLikeIt) {
-  std::vector<vdb::SpiceSideFile> files;
-  std::string json =
-      DesignOf("t\nR1 GNDA 0 1\nR2 gnd GND 1\nR3 Gnd2 GNDA 1\n.global vdd\nR4 vdd 0 1\n", files);
-  EXPECT_NE(json.find(R"({"label": "vdd", "global": true})"), std::string::npos) << json;
-  EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["gnda"]}, {"name": "N", "nets": ["GND"]}])"),
-            std::string::npos)
-      << json;
-  EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["GND"]}, {"name": "N", "nets": ["GND"]}])"),
-            std::string::npos)
-      << json;
-  EXPECT_NE(json.find(R"("pins": [{"name": "P", "nets": ["Gnd2"]}, {"name": "N", "nets": ["gnda"]}])"),
-            std::string::npos)
-      << json;
-}
-
-// A library sub-circuit's file carries what it calls and the models they use.
-TEST(SpiceDesignTest, LibraryFileStandsAlone) {
-  std::vector<vdb::SpiceSideFile> files;
-  DesignOf(
-      "t\nX1 a 0 top2 k=1\n.model dm d\n.subckt top2 p q params: k=0\nX1 p q plain\n.ends\n"
-      ".subckt plain u v\nD1 u v DM\n.ends\n",
-      files);
-  ASSERT_EQ(files.size(), 3u);
-  EXPECT_EQ(files[1].path, "sym/top2.mod");
-  EXPECT_EQ(files[1].text,
-            ".subckt top2 p q params: k=0\n.model dm d\n.subckt plain u v\nD1 u v DM\n.ends\nX1 p q "
-            "plain\n.ends\n");
-}
+INSTANTIATE_TEST_SUITE_P(Netlists, SpiceDesignTest, ::testing::ValuesIn(CasesOf("design")), CaseName);
 
 // --- the command line -------------------------------------------------------------------
 

@@ -114,31 +114,40 @@ std::vector<std::pair<std::string, std::string>> ReadCaseTable(const std::string
 
 std::string BinaryDir() { return VESK_BIN_DIR; }
 
-int RunProgram(const std::string& program, const std::string& args, const std::string& folder,
-               const std::map<std::string, std::string>& env, std::string& output, std::string& errors) {
+int StartProgram(const std::string& program, const std::string& args, const std::string& folder,
+                 const std::map<std::string, std::string>& env, std::FILE* out, std::FILE* err) {
   std::vector<std::string> argv = SplitAtBlanks(args);
   argv.insert(argv.begin(), program);
   std::vector<std::string> envp = RunEnvironment(env);
   std::vector<char*> argPointers = Pointers(argv), envPointers = Pointers(envp);
-  std::FILE* out = std::tmpfile();
-  std::FILE* err = std::tmpfile();
   std::fflush(nullptr);
   pid_t child = ::fork();
   if (child == 0) {
-    int devNull = ::open("/dev/null", 0);
+    int devNull = ::open("/dev/null", O_RDWR);
     ::dup2(devNull, 0);
-    ::dup2(::fileno(out), 1);
-    ::dup2(::fileno(err), 2);
+    ::dup2(out ? ::fileno(out) : devNull, 1);
+    ::dup2(err ? ::fileno(err) : devNull, 2);
     if (::chdir(folder.c_str()) == 0) ::execve(program.c_str(), argPointers.data(), envPointers.data());
     std::fprintf(stderr, "cannot run %s: %s\n", program.c_str(), std::strerror(errno));
     ::_exit(127);
   }
+  return child;
+}
+
+int WaitProgram(int child) {
   int status = 0;
   ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int RunProgram(const std::string& program, const std::string& args, const std::string& folder,
+               const std::map<std::string, std::string>& env, std::string& output, std::string& errors) {
+  std::FILE* out = std::tmpfile();
+  std::FILE* err = std::tmpfile();
+  const int rc = WaitProgram(StartProgram(program, args, folder, env, out, err));
   output = ReadStream(out);
   errors = ReadStream(err);
-  if (WIFEXITED(status)) return WEXITSTATUS(status);
-  return 128 + WTERMSIG(status);
+  return rc;
 }
 
 std::string MaskDate(const std::string& deck) {

@@ -1,6 +1,7 @@
 // Runs the built vesk (and vesk-db) on a design in a fresh folder, for whole-program tests.
 #pragma once
 
+#include <cstdio>
 #include <map>
 #include <optional>
 #include <string>
@@ -49,6 +50,12 @@ VeskRun RunVesk(const std::string& designJson, const std::string& args, const Ve
 /// Runs a program with arguments in `folder`; returns its exit code and fills the outputs.
 int RunProgram(const std::string& program, const std::string& args, const std::string& folder,
                const std::map<std::string, std::string>& env, std::string& output, std::string& errors);
+
+/// Starts a program like RunProgram, its output to `out` and `err` (nullptr: nowhere); returns its
+/// process id for WaitProgram, which returns its exit code (128 + signal when killed).
+int StartProgram(const std::string& program, const std::string& args, const std::string& folder,
+                 const std::map<std::string, std::string>& env, std::FILE* out = nullptr, std::FILE* err = nullptr);
+int WaitProgram(int child);
 
 /// Replaces the text behind "* File created " by "<date>".
 std::string MaskDate(const std::string& deck);

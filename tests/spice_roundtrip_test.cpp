@@ -38,23 +38,6 @@ std::string Lower(std::string text) {
   return text;
 }
 
-/// "name = number" lines of ngspice's print, lower case, "v(x)" read as "x".
-std::map<std::string, double> ParsePrinted(const std::string& output) {
-  std::map<std::string, double> values;
-  std::istringstream lines(output);
-  std::string line, name, equals, rest;
-  double value;
-  while (std::getline(lines, line)) {
-    std::istringstream words(line);
-    if (!(words >> name >> equals >> value) || equals != "=" || (words >> rest)) continue;
-    name = Lower(name);
-    if (name.size() > 3 && name.compare(0, 2, "v(") == 0 && name.back() == ')')
-      name = name.substr(2, name.size() - 3);
-    values[name] = value;
-  }
-  return values;
-}
-
 /// The top-level nodes of a netlist, lower case, ground left out.
 std::set<std::string> TopNodes(const std::string& text) {
   vdb::SpiceNetlist netlist;
@@ -86,9 +69,10 @@ std::string Substitute(std::string text, const std::map<std::string, std::string
   return text;
 }
 
-std::string Control(const RoundTrip& c, const std::map<std::string, std::string>& nodeOf) {
-  return ".control\nset numdgt=12\nop\nprint all\n" + Substitute(c.analysis, nodeOf) +
-         "\nlet result = " + Substitute(c.result, nodeOf) + "\nprint result\nquit 0\n.endc\n.end\n";
+// The operating point and the analysis, each written to the raw file that RunNgspice reads back.
+std::string Control(const RoundTrip& c, const std::map<std::string, std::string>& nodeOf, const std::string& raw) {
+  return ".control\nset appendwrite\nop\nwrite " + raw + " all\n" + Substitute(c.analysis, nodeOf) +
+         "\nlet result = " + Substitute(c.result, nodeOf) + "\nwrite " + raw + " result\nquit 0\n.endc\n.end\n";
 }
 
 // The netlist without its .end, so that the control block can follow.
@@ -99,15 +83,16 @@ std::string WithoutEnd(const std::string& netlist) {
   return kept;
 }
 
-std::map<std::string, double> Simulate(const std::string& ngspice, const fs::path& folder,
-                                       const std::string& file, const std::string& behavior,
+// The node voltages of the operating point and, as "result", the value the analysis printed.
+std::map<std::string, double> Simulate(const fs::path& folder, const std::string& file, const std::string& behavior,
                                        std::string& transcript) {
-  WriteText(folder / ".spiceinit", behavior.empty() ? "" : "set ngbehavior=" + behavior + "\n");
-  std::string output, errors;
-  int rc = RunProgram(ngspice, "-b " + file, folder.string(), {}, output, errors);
-  transcript = file + ":\n" + ReadText(folder / file) + "\nngspice:\n" + output + errors;
-  EXPECT_EQ(rc, 0) << transcript;
-  return ParsePrinted(output);
+  const SimResult sim = RunNgspice(folder.string(), file, behavior);
+  transcript = sim.transcript;
+  EXPECT_EQ(sim.rc, 0) << transcript;
+  std::map<std::string, double> values = sim.OperatingPoint();
+  const auto* result = sim.plots.empty() ? nullptr : sim.plots.back().Vector("v(result)");
+  if (result && !result->empty()) values["result"] = result->front().real();
+  return values;
 }
 
 struct Dialect {
@@ -121,8 +106,7 @@ const Dialect kDialects[] = {{"-s", ""},    {"-s -h", ""},    {"-s -n", ""}, {"-
 class SpiceRoundTripTest : public ::testing::TestWithParam<RoundTrip> {};
 
 TEST_P(SpiceRoundTripTest, DecksSimulateLikeTheNetlist) {
-  std::string ngspice = FindOnPath("ngspice");
-  if (ngspice.empty()) GTEST_SKIP() << "ngspice is not installed (scripts/setup installs it)";
+  if (FindOnPath("ngspice").empty()) GTEST_SKIP() << "ngspice is not installed (scripts/setup installs it)";
   const RoundTrip& c = GetParam();
   const fs::path scratch = MakeScratch("spice");
   struct Remove {
@@ -146,8 +130,8 @@ TEST_P(SpiceRoundTripTest, DecksSimulateLikeTheNetlist) {
   // The netlist itself, beside its own files.
   std::set<std::string> nodes = TopNodes(c.netlist);
   ASSERT_FALSE(nodes.empty());
-  WriteText(source / "original.cir", WithoutEnd(c.netlist) + Control(c, {}));
-  std::map<std::string, double> expected = Simulate(ngspice, source, "original.cir", "", transcript);
+  WriteText(source / "original.cir", WithoutEnd(c.netlist) + Control(c, {}, "original.cir.raw"));
+  std::map<std::string, double> expected = Simulate(source, "original.cir", "", transcript);
   ASSERT_TRUE(expected.count("result")) << transcript;
 
   std::string config = std::string(VESK_SOURCE_DIR) + "/examples/standard/vesk.cfg";
@@ -163,8 +147,8 @@ TEST_P(SpiceRoundTripTest, DecksSimulateLikeTheNetlist) {
     for (const auto& [net, node] : RootDictionary(deck)) dictionary[Lower(net)] = Lower(node);
     for (const std::string& node : nodes) nodeOf[node] = dictionary.count(node) ? dictionary[node] : node;
     // The deck as written, with the analysis appended; its includes are relative to its folder.
-    WriteText(run / "sim.cir", deck + Control(c, nodeOf));
-    std::map<std::string, double> got = Simulate(ngspice, run, "sim.cir", dialect.behavior, transcript);
+    WriteText(run / "sim.cir", deck + Control(c, nodeOf, "sim.cir.raw"));
+    std::map<std::string, double> got = Simulate(run, "sim.cir", dialect.behavior, transcript);
     for (const std::string& node : nodes) {
       ASSERT_TRUE(expected.count(node)) << node << "\n" << transcript;
       ASSERT_TRUE(got.count(nodeOf[node])) << node << " as " << nodeOf[node] << "\n" << transcript;

@@ -1,6 +1,7 @@
 // Netlist -> vesk-db import-spice -> vesk deck -> ngspice: the deck must simulate like the netlist
 // it came from, at the operating point of every top-level node and in one analysis.
 #include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>

@@ -3,6 +3,7 @@
 
 #include <complex>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,7 @@ struct DeckForm {
   std::string switches;
   std::string ngBehavior;
 };
+inline void PrintTo(const DeckForm& form, std::ostream* out) { *out << "vesk " << form.switches; }
 
 /// Every plain flavour (Berkeley SPICE, Pspice, HSPICE), flat and hierarchical, numbered and named.
 const std::vector<DeckForm>& PlainDeckForms();

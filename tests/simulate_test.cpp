@@ -22,7 +22,6 @@ namespace {
 constexpr double kIn = 10.0, kMid = 10.0 * 2000.0 / 3000.0, kOut = 10.0 * 1000.0 / 3000.0;
 constexpr double kSourceCurrent = -10.0 / 3000.0;
 
-void PrintTo(const DeckForm& form, std::ostream* out) { *out << "vesk " << form.switches; }
 
 class SimulateTest : public ::testing::TestWithParam<DeckForm> {};
 

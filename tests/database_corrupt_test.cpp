@@ -5,11 +5,8 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -21,37 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Blocks in storage order: LEAF 0, MID 1, TOP 2. MID places LEAF through XL, TOP places MID.
-const char* kDesign = R"({
-  "groups": {"G": {"internal_id": "7A"}},
-  "symbols": {"RES.1": {"PREFIX": "R", "ORDER": "VALUE$"}},
-  "testbenches": {"bench": "TOP"},
-  "blocks": [
-    {"name": "LEAF", "ports": [{"name": "P", "net": "P", "attributes": {"SIGNAL": "A"}}],
-     "components": [{"label": "RL", "name": "RES.1", "attributes": {"VALUE": "1K"},
-                     "pins": [{"name": "A", "net": "P"}, {"name": "B", "net": "0"}]}]},
-    {"name": "MID", "ports": [{"name": "D[1:0]", "bus": "D", "nets": ["D1", "D0"]}],
-     "nets": [{"label": "D1", "group": "G", "number": 2}],
-     "components": [{"label": "XL", "type": 2, "child": "LEAF", "pins": [{"name": "P", "net": "D1"}]},
-                    {"label": "RM", "name": "RES.1", "attributes": {"VALUE": "2K"}, "group": "G", "number": 4,
-                     "pins": [{"name": "A", "net": "D1"}, {"name": "B", "net": "D0"}]}]},
-    {"name": "TOP", "nets": [{"label": "IN", "attributes": {"PROBE": ""}}],
-     "components": [{"label": "X1", "type": 2, "child": "MID",
-                     "pins": [{"name": "D[1:0]", "nets": ["IN", "OUT"], "bus": "B"}]},
-                    {"label": "R1", "name": "RES.1", "attributes": {"VALUE": "3K"},
-                     "pins": [{"name": "A", "net": "IN"}, {"name": "B", "net": "0"}]}]}]})";
-
-std::string ReadBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
-
-void WriteBytes(const fs::path& path, const std::string& bytes) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << bytes;
-}
 
 std::string Blob(const std::vector<uint32_t>& words) {
   return std::string(reinterpret_cast<const char*>(words.data()), words.size() * 4);
@@ -68,13 +34,13 @@ VeskRun RunOn(const std::string& bytes, const std::string& args) {
 class CorruptDatabase : public ::testing::Test {
  protected:
   void SetUp() override {
-    char name[] = "/tmp/vesk-db-corrupt-XXXXXX";
-    folder_ = ::mkdtemp(name);
+    folder_ = MakeScratch("db-corrupt");
     std::string error;
-    ASSERT_TRUE(ImportDesign(kDesign, folder_.string(), error)) << error;
-    good_ = ReadBytes(DatabaseFile());
+    // Blocks in storage order: LEAF 0, MID 1, TOP 2. MID places LEAF through XL, TOP places MID.
+    ASSERT_TRUE(ImportDesign(SourceText("tests/vesk_db/three_levels.json"), folder_.string(), error)) << error;
+    good_ = ReadText(DatabaseFile());
   }
-  void TearDown() override { fs::remove_all(folder_); }
+  void TearDown() override { RemoveScratch(folder_.string()); }
 
   fs::path DatabaseFile() const { return folder_ / "database" / vdb::kDatabaseFile; }
 
@@ -82,7 +48,7 @@ class CorruptDatabase : public ::testing::Test {
   /// leaves the good file, which a test that expects a refusal notices.
   std::string Edited(const std::string& sql, const std::string* blob = nullptr) {
     fs::path file = folder_ / "edit.sqlite";
-    WriteBytes(file, good_);
+    WriteText(file, good_);
     sqlite3* db = nullptr;
     sqlite3_open(file.c_str(), &db);
     sqlite3_stmt* stmt = nullptr;
@@ -92,12 +58,12 @@ class CorruptDatabase : public ::testing::Test {
     }
     sqlite3_finalize(stmt);
     sqlite3_close(db);
-    return ReadBytes(file);
+    return ReadText(file);
   }
 
   /// Whether `bytes` load as a design database; `reason` says why not.
   bool Loads(const std::string& bytes, std::string& reason) {
-    WriteBytes(DatabaseFile(), bytes);
+    WriteText(DatabaseFile(), bytes);
     vdb::Design design;
     return vdb::LoadDesign(DatabaseFile().string(), design, reason);
   }
@@ -133,7 +99,7 @@ TEST_F(CorruptDatabase, DamageOfEachKindIsRefusedAndReported) {
   ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
   sqlite3_exec(db, "CREATE TABLE parts(id INTEGER PRIMARY KEY, name TEXT);", nullptr, nullptr, nullptr);
   sqlite3_close(db);
-  ExpectRefused(ReadBytes(file), "other tables");
+  ExpectRefused(ReadText(file), "other tables");
 
   // Well-formed SQLite whose design is not consistent: a table missing, another format, an index
   // that would wrap to block 0, MID placing TOP, a count that does not add up, a value of the
@@ -234,13 +200,6 @@ TEST(MissingDatabase, AnotherSnapshotIsReportedAsOne) {
   EXPECT_EQ(run.rc, 3);
   EXPECT_EQ(run.output, "Couldn't Open TESSEL DataBase\nNo snapshot \"Qor\" in the design database \"" +
                             run.folder + "/database\"\n");
-  EXPECT_EQ(run.deck, "<no deck>");
-}
-
-TEST(MissingDatabase, ABlockNameInAnotherCaseIsATestBenchThatDoesNotExist) {
-  VeskRun run = RunVesk(R"({"testbenches": {"bench": "TOP"}, "blocks": [{"name": "TOP"}]})", "top");
-  EXPECT_EQ(run.rc, 4);
-  EXPECT_EQ(run.output, "Testbench does not exist \n");
   EXPECT_EQ(run.deck, "<no deck>");
 }
 

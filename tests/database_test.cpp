@@ -3,7 +3,6 @@
 // leaves undeclared, and block lookup through test benches.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -12,6 +11,7 @@
 
 #include "design/db/design_import.h"
 #include "design/tessel.h"
+#include "tests/deck_harness.h"
 
 namespace {
 
@@ -72,14 +72,13 @@ Strings Occurrences(IteratorT<const IComp> it) {
 class DatabaseTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    char name[] = "/tmp/vesk-db-test-XXXXXX";
-    folder_ = ::mkdtemp(name);
+    folder_ = MakeScratch("db-test");
   }
   void TearDown() override {
     snapshot_ = {};
     uid_ = {};
     tessel_.reset();
-    std::filesystem::remove_all(folder_);
+    RemoveScratch(folder_.string());
   }
 
   void Open(const std::string& json) {
@@ -130,17 +129,8 @@ class DatabaseTest : public ::testing::Test {
 
 // TOP places MID through X1 and LEAF three times: through X2, through X3 (type bits 3) and, inside
 // MID, through XL. XP holds a child but is no hierarchical instance; XN is one without a child.
-const char* kTree = R"({"blocks": [
-  {"name": "LEAF", "ports": [{"name": "P", "net": "P"}],
-   "components": [{"label": "RL", "pins": [{"name": "A", "net": "P"}]}]},
-  {"name": "MID", "components": [{"label": "RM"}, {"label": "XL", "type": 2, "child": "LEAF"},
-                                 {"label": "RM2"}]},
-  {"name": "TOP", "components": [{"label": "R1"}, {"label": "X1", "type": 2, "child": "MID"}, {"label": "R2"},
-    {"label": "X2", "type": 2, "child": "LEAF"}, {"label": "XP", "type": 1, "child": "LEAF"},
-    {"label": "XN", "type": 2}, {"label": "X3", "type": 3, "child": "LEAF"}, {"label": "Z0", "type": 0}]}]})";
-
 TEST_F(DatabaseTest, ConfigsWalkTheTreeDepthFirstNamePathsWithTheCallersSeparatorAndFilterByTypeBitTwo) {
-  Open(kTree);
+  Open(SourceText("tests/vesk_db/tree.json"));
   auto config = Config(Block("TOP"));
   ASSERT_FALSE(config.Empty());
   EXPECT_EQ(PathList(*config, '\\'), (Strings{"TOP@", "MID@X1", "LEAF@X1\\XL", "LEAF@X2", "LEAF@X3"}));
@@ -172,21 +162,9 @@ TEST_F(DatabaseTest, ConfigsWalkTheTreeDepthFirstNamePathsWithTheCallersSeparato
 
 // ---- Attributes
 
-const char* kAttributes = R"({
-  "symbols": {"RES.1": {"PREFIX": "R", "ORDER": "VALUE$"}},
-  "blocks": [{"name": "TOP", "components": [
-    {"label": "R1", "name": "RES.1",
-     "attributes": {"VALUE": "1K", "$$Kept": "k", "value": "lower", "EMPTY": ""},
-     "definition": {"ORDER": "VALUE$", "VALUE": "2K"}},
-    {"label": "R2", "name": "RES.1", "attributes": {"VALUE": "3K"}},
-    {"label": "R3", "name": "RES.1", "definition": {}},
-    {"label": "C1", "name": "CAP.1"},
-    {"label": "A", "attributes": {"K": "1", "L": "2"}},
-    {"label": "B", "attributes": {"K": "1", "L": "2"}},
-    {"label": "C", "attributes": {"L": "2", "K": "1"}}]}]})";
 
 TEST_F(DatabaseTest, AttributesListInstanceLevelThenDefinitionOrSymbolAndOneIsAnExactKeyAtItsLevel) {
-  Open(kAttributes);
+  Open(SourceText("tests/vesk_db/attributes.json"));
   BlockHandle top = Block("TOP");
   const std::pair<const char*, const char*> expected[] = {
       {"R1", "VALUE=1K@2 $$Kept=k@2 value=lower@2 EMPTY=@2 ORDER=VALUE$@1 VALUE=2K@1 "},

@@ -18,6 +18,9 @@ namespace fs = std::filesystem;
 
 extern char** environ;
 
+#ifndef VESK_SOURCE_DIR
+#define VESK_SOURCE_DIR "."
+#endif
 #ifndef VESK_BIN_DIR
 #define VESK_BIN_DIR "build"
 #endif
@@ -63,40 +66,88 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
   return pointers;
 }
 
-void WriteText(const fs::path& path, const std::string& text) {
-  if (path.has_parent_path()) fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
+}  // namespace
+
+std::string ReadText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
-}  // namespace
+void WriteText(const std::string& path, const std::string& text) {
+  fs::path file(path);
+  if (file.has_parent_path()) fs::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+std::string MakeScratch(const std::string& tag) {
+  std::string pattern = "/tmp/vesk-" + tag + "-XXXXXX";
+  std::vector<char> buffer(pattern.begin(), pattern.end());
+  buffer.push_back('\0');
+  return ::mkdtemp(buffer.data());
+}
+
+void RemoveScratch(const std::string& folder) {
+  if (folder.empty() || std::getenv("VESK_KEEP")) return;
+  std::error_code ignored;
+  fs::remove_all(folder, ignored);
+}
+
+std::string SourceText(const std::string& relative) { return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative); }
+
+std::vector<std::pair<std::string, std::string>> ReadCaseTable(const std::string& relative) {
+  std::vector<std::pair<std::string, std::string>> cases;
+  std::istringstream table(SourceText(relative));
+  std::string text, line;
+  while (std::getline(table, line)) {
+    if (line.rfind("#", 0) == 0 || (line.empty() && text.empty())) continue;
+    if (line.rfind("=> ", 0) == 0) {
+      cases.emplace_back(text, line.substr(3));
+      text.clear();
+    } else {
+      text += (text.empty() ? "" : "\n") + line;
+    }
+  }
+  return cases;
+}
 
 std::string BinaryDir() { return VESK_BIN_DIR; }
 
-int RunProgram(const std::string& program, const std::string& args, const std::string& folder,
-               const std::map<std::string, std::string>& env, std::string& output, std::string& errors) {
+int StartProgram(const std::string& program, const std::string& args, const std::string& folder,
+                 const std::map<std::string, std::string>& env, std::FILE* out, std::FILE* err) {
   std::vector<std::string> argv = SplitAtBlanks(args);
   argv.insert(argv.begin(), program);
   std::vector<std::string> envp = RunEnvironment(env);
   std::vector<char*> argPointers = Pointers(argv), envPointers = Pointers(envp);
-  std::FILE* out = std::tmpfile();
-  std::FILE* err = std::tmpfile();
   std::fflush(nullptr);
   pid_t child = ::fork();
   if (child == 0) {
-    int devNull = ::open("/dev/null", 0);
+    int devNull = ::open("/dev/null", O_RDWR);
     ::dup2(devNull, 0);
-    ::dup2(::fileno(out), 1);
-    ::dup2(::fileno(err), 2);
+    ::dup2(out ? ::fileno(out) : devNull, 1);
+    ::dup2(err ? ::fileno(err) : devNull, 2);
     if (::chdir(folder.c_str()) == 0) ::execve(program.c_str(), argPointers.data(), envPointers.data());
     std::fprintf(stderr, "cannot run %s: %s\n", program.c_str(), std::strerror(errno));
     ::_exit(127);
   }
+  return child;
+}
+
+int WaitProgram(int child) {
   int status = 0;
   ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int RunProgram(const std::string& program, const std::string& args, const std::string& folder,
+               const std::map<std::string, std::string>& env, std::string& output, std::string& errors) {
+  std::FILE* out = std::tmpfile();
+  std::FILE* err = std::tmpfile();
+  const int rc = WaitProgram(StartProgram(program, args, folder, env, out, err));
   output = ReadStream(out);
   errors = ReadStream(err);
-  if (WIFEXITED(status)) return WEXITSTATUS(status);
-  return 128 + WTERMSIG(status);
+  return rc;
 }
 
 std::string MaskDate(const std::string& deck) {
@@ -129,12 +180,7 @@ VeskRun::~VeskRun() {
 
 bool VeskRun::Exists(const std::string& relative) const { return fs::exists(fs::path(folder) / relative); }
 
-std::string VeskRun::Read(const std::string& relative) const {
-  std::ifstream in(fs::path(folder) / relative, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+std::string VeskRun::Read(const std::string& relative) const { return ReadText(folder + "/" + relative); }
 
 VeskRun RunVesk(const std::string& designJson, const std::string& args, const VeskInput& input) {
   char pattern[] = "/tmp/vesk-run-XXXXXX";
@@ -142,13 +188,13 @@ VeskRun RunVesk(const std::string& designJson, const std::string& args, const Ve
   fs::path root = ::mkdtemp(pattern);
   run.folder = (root / "run").string();
   fs::create_directories(run.folder);
-  for (const auto& [path, text] : input.files) WriteText(fs::path(run.folder) / path, text);
-  if (input.config) WriteText(fs::path(run.folder) / "galt/standard/vesk.cfg", *input.config);
+  for (const auto& [path, text] : input.files) WriteText(run.folder + "/" + path, text);
+  if (input.config) WriteText(run.folder + "/galt/standard/vesk.cfg", *input.config);
   std::map<std::string, std::string> env = {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}};
   for (const auto& [name, value] : input.env) env[name] = value;
   std::string ignored;
   if (!designJson.empty() && input.import) {
-    WriteText(root / "design.json", designJson);
+    WriteText((root / "design.json").string(), designJson);
     int rc =
         RunProgram(BinaryDir() + "/vesk-db", "import ../design.json", run.folder, env, ignored, run.errors);
     if (rc != 0) {

@@ -1,9 +1,12 @@
 // Runs the built vesk (and vesk-db) on a design in a fresh folder, for whole-program tests.
 #pragma once
 
+#include <cstdio>
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 /// What a test puts around the design: files, the configuration file, the environment.
 struct VeskInput {
@@ -48,8 +51,28 @@ VeskRun RunVesk(const std::string& designJson, const std::string& args, const Ve
 int RunProgram(const std::string& program, const std::string& args, const std::string& folder,
                const std::map<std::string, std::string>& env, std::string& output, std::string& errors);
 
+/// Starts a program like RunProgram, its output to `out` and `err` (nullptr: nowhere); returns its
+/// process id for WaitProgram, which returns its exit code (128 + signal when killed).
+int StartProgram(const std::string& program, const std::string& args, const std::string& folder,
+                 const std::map<std::string, std::string>& env, std::FILE* out = nullptr, std::FILE* err = nullptr);
+int WaitProgram(int child);
+
 /// Replaces the text behind "* File created " by "<date>".
 std::string MaskDate(const std::string& deck);
 
 /// Where the built programs lie.
 std::string BinaryDir();
+
+/// Whole text of a file, "" when absent.
+std::string ReadText(const std::string& path);
+/// Writes a file, creating its folders.
+void WriteText(const std::string& path, const std::string& text);
+/// A fresh empty folder under /tmp, removed by RemoveScratch unless VESK_KEEP is set.
+std::string MakeScratch(const std::string& tag);
+void RemoveScratch(const std::string& folder);
+/// Whole text of a file of the source tree, by its path from the root.
+std::string SourceText(const std::string& relative);
+
+/// The cases of a table file of the source tree: each case is a text of one or more lines, then a
+/// line "=> " and what it must give; a blank line ends a case; lines beginning "#" are comments.
+std::vector<std::pair<std::string, std::string>> ReadCaseTable(const std::string& relative);

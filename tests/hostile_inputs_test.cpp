@@ -58,29 +58,29 @@ TEST(HostileInputTest, NamesThatClimbOutOfTheProjectWriteNothingThere) {
   }
 }
 
-// A model name from the mapping file that climbs out gets no parameter file outside.
+// Replaces the first `from` in `text` by `to`.
+std::string ReplaceOnce(std::string text, const std::string& from, const std::string& to) {
+  return text.replace(text.find(from), from.size(), to);
+}
+
+// A model name from the mapping file that climbs out gets no parameter file outside: the op-amp
+// design of the write-fault test with its model renamed.
 TEST(HostileInputTest, ModelNameThatClimbsOutGetsNoParameterFileOutside) {
   const std::string tag = "vesk-hostile-model-" + std::to_string(::getpid());
   const std::string model = "..\\..\\" + tag;
   VeskInput input;
   input.deckPath = "genhdl/TOP/TOP.cir";
   input.files["Sym/Models_Info.xml"] =
-      R"(<ModelsInfo><Part Name="PN741"><Description>d</Description><Symbol Name="OPA">)"
-      R"(<Model Name=")" + model + R"(" Library="" ModelFile="" isOstrelCompiled="0" ModType="Subckt">)"
-      R"(<Ports><Port Assigned="1">IN</Port><Port Assigned="1">OUT</Port></Ports><Parameters>)"
-      R"(<Parameter Name="GAIN" Type="" DefValue="100"><Content></Content><Override>gain</Override></Parameter>)"
-      R"(</Parameters></Model></Symbol></Part></ModelsInfo>)";
-  const std::string design =
-      R"({ "groups": { "G1": { "internal_id": "7A" } }, "blocks": [ { "name": "TOP", "components": [
-    { "label": "U1", "name": "OPA", "attributes": { "PART NUMBER": "PN741", "MODEL": ")" + Json(model) +
-      R"(", "GAIN": "200" }, "definition": { "PREFIX": "X", "ORDER": "MODEL$" }, "group": "G1", "number": 1,
-    "pins": [ { "name": "OUT", "net": "OUT" }, { "name": "IN", "net": "IN" } ] } ] } ] })";
+      ReplaceOnce(SourceText("tests/write_faults/Models_Info.xml"), "Name=\"OpAmp\"", "Name=\"" + model + "\"");
+  const std::string design = ReplaceOnce(SourceText("tests/write_faults/opamps.json"), "\"MODEL\": \"OpAmp\"",
+                                         "\"MODEL\": \"" + Json(model) + "\"");
   VeskRun run = RunVesk(design, "-_ -h TOP", input);
   const fs::path root = fs::path(run.folder).parent_path();
   EXPECT_EQ(Names(root), (std::set<std::string>{"design.json", "run"})) << run.output;
   EXPECT_FALSE(fs::exists(root.parent_path() / (tag + "-param.txt")));
   EXPECT_FALSE(fs::exists(root.parent_path() / (tag + ".mod")));
   EXPECT_NE(run.deck, "<no deck>") << run.output;
+  EXPECT_NE(run.deck.find(tag), std::string::npos) << run.deck;
 }
 
 // The user's own output folder may lie outside the project.
@@ -93,8 +93,7 @@ TEST(HostileInputTest, OutputFolderTheUserGivesMayLieOutside) {
 
 // Counts in the file far beyond what it holds are refused as damage.
 TEST(HostileInputTest, HugeCountsInTheDatabaseAreRefused) {
-  char pattern[] = "/tmp/vesk-hostile-db-XXXXXX";
-  const fs::path folder = ::mkdtemp(pattern);
+  const fs::path folder = MakeScratch("hostile-db");
   std::string error;
   ASSERT_TRUE(ImportDesign(R"({ "blocks": [ )" + Resistor("TOP") + " ] }", folder.string(), error)) << error;
   const fs::path file = folder / "database" / vdb::kDatabaseFile;
@@ -114,7 +113,7 @@ TEST(HostileInputTest, HugeCountsInTheDatabaseAreRefused) {
     EXPECT_EQ(output.rfind("Couldn't Open TESSEL DataBase\n", 0), 0u) << edit << ": " << output;
     EXPECT_EQ(errors, "") << edit;
   }
-  fs::remove_all(folder);
+  RemoveScratch(folder.string());
 }
 
 }  // namespace

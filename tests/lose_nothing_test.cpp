@@ -2,12 +2,10 @@
 // database whole; two `vesk` runs at once in one project folder each leave a whole deck.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
@@ -38,49 +36,18 @@ std::string TwoBlocks(int count, const std::string& value) {
   return json + "] }";
 }
 
-void WriteText(const fs::path& path, const std::string& text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string ReadText(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-// Starts `program` with `args` in `folder`, output to /dev/null; returns its process id.
-pid_t Start(const std::string& program, const std::vector<std::string>& args, const fs::path& folder) {
-  std::vector<std::string> texts{program};
-  texts.insert(texts.end(), args.begin(), args.end());
-  std::vector<char*> argv;
-  for (std::string& text : texts) argv.push_back(text.data());
-  argv.push_back(nullptr);
-  pid_t child = ::fork();
-  if (child == 0) {
-    ::freopen("/dev/null", "w", stdout);
-    ::freopen("/dev/null", "w", stderr);
-    ::setenv("GALT_HOME", "galt", 1);
-    ::setenv("SOURCE_DATE_EPOCH", "0", 1);
-    if (::chdir(folder.c_str()) == 0) ::execv(program.c_str(), argv.data());
-    ::_exit(127);
-  }
-  return child;
-}
-
-int Wait(pid_t child) {
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+// Starts `program` with `args` in `folder`, output nowhere; returns its process id.
+int Start(const std::string& program, const std::string& args, const fs::path& folder) {
+  return StartProgram(program, args, folder.string(), {{"GALT_HOME", "galt"}, {"SOURCE_DATE_EPOCH", "0"}});
 }
 
 class ProjectFolder : public ::testing::Test {
  protected:
   void SetUp() override {
-    char pattern[] = "/tmp/vesk-lose-XXXXXX";
-    folder_ = ::mkdtemp(pattern);
+    folder_ = MakeScratch("lose");
     WriteText(folder_ / "galt/standard/vesk.cfg", "");
   }
-  void TearDown() override { fs::remove_all(folder_); }
+  void TearDown() override { RemoveScratch(folder_.string()); }
   fs::path folder_;
 };
 
@@ -96,7 +63,7 @@ TEST_F(ProjectFolder, ImportKilledAtRandomMomentsKeepsTheOldDatabase) {
 
   // How long one import takes here; the kills fall anywhere up to a little beyond that.
   auto begin = std::chrono::steady_clock::now();
-  ASSERT_EQ(Wait(Start(BinaryDir() + "/vesk-db", {"import", "new.json"}, folder_)), 0);
+  ASSERT_EQ(WaitProgram(Start(BinaryDir() + "/vesk-db", "import new.json", folder_)), 0);
   const auto took = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
   ASSERT_TRUE(ImportDesign(oldDesign, folder_.string(), error)) << error;
 
@@ -104,10 +71,10 @@ TEST_F(ProjectFolder, ImportKilledAtRandomMomentsKeepsTheOldDatabase) {
   std::uniform_int_distribution<long> moment(0, took.count() * 5 / 4);
   int replaced = 0;
   for (int run = 0; run < 40; ++run) {
-    pid_t child = Start(BinaryDir() + "/vesk-db", {"import", "new.json"}, folder_);
+    int child = Start(BinaryDir() + "/vesk-db", "import new.json", folder_);
     std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
     ::kill(child, SIGKILL);
-    Wait(child);
+    WaitProgram(child);
     std::string text;
     ASSERT_TRUE(ExportDesign(folder_.string(), text, error)) << "after kill " << run << ": " << error;
     if (text == newText) {
@@ -135,7 +102,7 @@ TEST_F(ProjectFolder, TwoRunsAtOnceEachWriteAWholeDeck) {
   std::string alone[2];
   const char* groups[2] = {"TOP", "ALT"};
   for (int i = 0; i < 2; ++i) {
-    ASSERT_EQ(Wait(Start(BinaryDir() + "/vesk", {"-h", groups[i]}, folder_)), 0);
+    ASSERT_EQ(WaitProgram(Start(BinaryDir() + "/vesk", std::string("-h ") + groups[i], folder_)), 0);
     alone[i] = ReadText(folder_ / (std::string(groups[i]) + ".cir"));
     ASSERT_NE(alone[i].find("*.END"), std::string::npos);
   }
@@ -143,10 +110,10 @@ TEST_F(ProjectFolder, TwoRunsAtOnceEachWriteAWholeDeck) {
     for (const auto& [first, second] : {std::pair<int, int>{0, 1}, {0, 0}}) {
       fs::remove(folder_ / "TOP.cir");
       fs::remove(folder_ / "ALT.cir");
-      pid_t a = Start(BinaryDir() + "/vesk", {"-h", groups[first]}, folder_);
-      pid_t b = Start(BinaryDir() + "/vesk", {"-h", groups[second]}, folder_);
-      EXPECT_EQ(Wait(a), 0);
-      EXPECT_EQ(Wait(b), 0);
+      int a = Start(BinaryDir() + "/vesk", std::string("-h ") + groups[first], folder_);
+      int b = Start(BinaryDir() + "/vesk", std::string("-h ") + groups[second], folder_);
+      EXPECT_EQ(WaitProgram(a), 0);
+      EXPECT_EQ(WaitProgram(b), 0);
       EXPECT_EQ(ReadText(folder_ / (std::string(groups[first]) + ".cir")), alone[first]) << round;
       EXPECT_EQ(ReadText(folder_ / (std::string(groups[second]) + ".cir")), alone[second]) << round;
     }

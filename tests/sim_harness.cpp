@@ -180,30 +180,16 @@ std::string NodeOfNet(const std::map<std::string, std::string>& dictionary, cons
   return Lower(entry == dictionary.end() ? net : entry->second);
 }
 
-std::string ReadText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-void WriteText(const std::string& path, const std::string& text) {
-  fs::path file(path);
-  if (file.has_parent_path()) fs::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << text;
-}
-
-std::string MakeScratch(const std::string& tag) {
-  std::string pattern = "/tmp/vesk-" + tag + "-XXXXXX";
-  std::vector<char> buffer(pattern.begin(), pattern.end());
-  buffer.push_back('\0');
-  return ::mkdtemp(buffer.data());
-}
-
-void RemoveScratch(const std::string& folder) {
-  if (folder.empty() || std::getenv("VESK_KEEP")) return;
-  std::error_code ignored;
-  fs::remove_all(folder, ignored);
+const std::vector<DeckForm>& PlainDeckForms() {
+  static const std::vector<DeckForm> forms = {
+      {"BerkeleyFlat", "-s", ""},          {"BerkeleyHier", "-s -h", ""},
+      {"BerkeleyFlatNamed", "-s -n", ""},  {"BerkeleyHierNamed", "-s -h -n", ""},
+      {"PspiceFlat", "-p", "psa"},         {"PspiceHier", "-p -h", "psa"},
+      {"PspiceFlatNamed", "-p -n", "psa"}, {"PspiceHierNamed", "-p -h -n", "psa"},
+      {"HspiceFlat", "-m", "hsa"},         {"HspiceHier", "-m -h", "hsa"},
+      {"HspiceFlatNamed", "-m -n", "hsa"}, {"HspiceHierNamed", "-m -h -n", "hsa"},
+  };
+  return forms;
 }
 
 const std::map<std::string, std::string>& ProjectEnvironment() {

@@ -3,8 +3,11 @@
 
 #include <complex>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
+
+#include "tests/deck_harness.h"
 
 /// Full path of `program` on PATH, "" when it is not installed.
 std::string FindOnPath(const std::string& program);
@@ -53,6 +56,10 @@ struct DeckForm {
   std::string switches;
   std::string ngBehavior;
 };
+inline void PrintTo(const DeckForm& form, std::ostream* out) { *out << "vesk " << form.switches; }
+
+/// Every plain flavour (Berkeley SPICE, Pspice, HSPICE), flat and hierarchical, numbered and named.
+const std::vector<DeckForm>& PlainDeckForms();
 
 /// The environment of a vesk run in a project folder made by the tests.
 const std::map<std::string, std::string>& ProjectEnvironment();
@@ -61,10 +68,3 @@ const std::map<std::string, std::string>& ProjectEnvironment();
 /// configuration file and the database imported from design.json; `error` tells what failed.
 std::string MakeDesignProject(const std::string& design, std::string& error);
 
-/// Whole text of a file, "" when absent.
-std::string ReadText(const std::string& path);
-/// Writes a file, creating its folders.
-void WriteText(const std::string& path, const std::string& text);
-/// A fresh empty folder under /tmp, removed by RemoveScratch unless VESK_KEEP is set.
-std::string MakeScratch(const std::string& tag);
-void RemoveScratch(const std::string& folder);

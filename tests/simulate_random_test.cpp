@@ -6,10 +6,13 @@
 
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "tests/deck_harness.h"
 #include "tests/sim_harness.h"
@@ -114,20 +117,10 @@ class DesignMaker {
   std::string Number() { return std::to_string(Next()); }
 
   std::string NetLabel() {
+    static const char* const kTails[] = {"/a", "-b", ".c", "x_a.rather-long/net_label_of_many_characters"};
     std::string k = Number();
-    switch (dice_.Below(6)) {
-      case 0:
-      case 1:
-        return k;
-      case 2:
-        return "n" + k + "/a";
-      case 3:
-        return "n" + k + "-b";
-      case 4:
-        return "n" + k + ".c";
-      default:
-        return "n" + k + "x_a.rather-long/net_label_of_many_characters";
-    }
+    int shape = dice_.Below(6);
+    return shape < 2 ? k : "n" + k + kTails[shape - 2];
   }
 
   int AddNet(Block& block, NetKind kind, std::string label = "") {
@@ -279,94 +272,55 @@ class DesignMaker {
   Design design_;
 };
 
-std::string Quote(const std::string& text) { return "\"" + text + "\""; }
+using Json = nlohmann::ordered_json;
 
-const char kSymbols[] = R"(  "symbols": {
-    "RES.1":  { "PREFIX": "R", "ORDER": "VALUE$" },
-    "VSRC.1": { "PREFIX": "V", "ORDER": "\"DC\" VALUE$" },
-    "ISRC.1": { "PREFIX": "I", "ORDER": "\"DC\" VALUE$" },
-    "VCVS.1": { "PREFIX": "E", "ORDER": "VALUE$", "PINORDER": "P N CP CN" },
-    "VCCS.1": { "PREFIX": "G", "ORDER": "VALUE$", "PINORDER": "P N CP CN" },
-    "SUB.1":  { "PREFIX": "X" }
-  },
-)";
-
-std::string SymbolOf(char letter) {
-  switch (letter) {
-    case 'R':
-      return "RES.1";
-    case 'V':
-      return "VSRC.1";
-    case 'I':
-      return "ISRC.1";
-    case 'E':
-      return "VCVS.1";
-    default:
-      return "VCCS.1";
-  }
+Json Symbols() {
+  return {{"RES.1", {{"PREFIX", "R"}, {"ORDER", "VALUE$"}}},
+          {"VSRC.1", {{"PREFIX", "V"}, {"ORDER", "\"DC\" VALUE$"}}},
+          {"ISRC.1", {{"PREFIX", "I"}, {"ORDER", "\"DC\" VALUE$"}}},
+          {"VCVS.1", {{"PREFIX", "E"}, {"ORDER", "VALUE$"}, {"PINORDER", "P N CP CN"}}},
+          {"VCCS.1", {{"PREFIX", "G"}, {"ORDER", "VALUE$"}, {"PINORDER", "P N CP CN"}}},
+          {"SUB.1", {{"PREFIX", "X"}}}};
 }
 
-std::string PrimitiveJson(const Block& block, const Primitive& part) {
+Json PrimitiveJson(const Block& block, const Primitive& part) {
+  static const std::map<char, std::string> kSymbolOf = {
+      {'R', "RES.1"}, {'V', "VSRC.1"}, {'I', "ISRC.1"}, {'E', "VCVS.1"}, {'G', "VCCS.1"}};
   static const char* const kPins[] = {"P", "N", "CP", "CN"};
-  std::ostringstream json;
-  json << "{ \"label\": " << Quote(part.label) << ", \"name\": " << Quote(SymbolOf(part.letter))
-       << ", \"attributes\": { \"VALUE\": " << Quote(part.value.text) << " }, \"pins\": [";
   // Controlled sources list their control pins first: the pin order attribute must put them last.
   std::vector<size_t> pinOrder = {0, 1};
   if (part.nets.size() == 4) pinOrder = {2, 3, 0, 1};
-  for (size_t k = 0; k < pinOrder.size(); ++k)
-    json << (k ? ", " : " ") << "{ \"name\": \"" << kPins[pinOrder[k]]
-         << "\", \"net\": " << Quote(block.nets[part.nets[pinOrder[k]]].label) << " }";
-  json << " ] }";
-  return json.str();
+  Json pins = Json::array();
+  for (size_t pin : pinOrder) pins.push_back({{"name", kPins[pin]}, {"net", block.nets[part.nets[pin]].label}});
+  return {{"label", part.label}, {"name", kSymbolOf.at(part.letter)}, {"attributes", {{"VALUE", part.value.text}}},
+          {"pins", pins}};
 }
 
-std::string InstanceJson(const Design& design, const Block& block, const Instance& instance) {
+Json InstanceJson(const Design& design, const Block& block, const Instance& instance) {
   const Block& child = design.blocks[instance.child];
-  std::ostringstream json;
-  json << "{ \"label\": " << Quote(instance.label)
-       << ", \"name\": " << Quote(instance.bare ? "BARE.1" : "SUB.1")
-       << ", \"type\": 2, \"child\": " << Quote(child.name) << ", \"pins\": [";
+  Json pins = Json::array();
   for (int p = 0; p < child.ports; ++p)
-    json << (p ? ", " : " ") << "{ \"name\": " << Quote(child.nets[p].label)
-         << ", \"net\": " << Quote(block.nets[instance.nets[p]].label) << " }";
-  json << " ] }";
-  return json.str();
+    pins.push_back({{"name", child.nets[p].label}, {"net", block.nets[instance.nets[p]].label}});
+  return {{"label", instance.label}, {"name", instance.bare ? "BARE.1" : "SUB.1"}, {"type", 2},
+          {"child", child.name}, {"pins", pins}};
 }
 
-std::string BlockJson(const Design& design, const Block& block) {
-  std::ostringstream json;
-  json << "    { \"name\": " << Quote(block.name) << ",\n      \"ports\": [";
-  for (int p = 0; p < block.ports; ++p)
-    json << (p ? ", " : " ") << "{ \"name\": " << Quote(block.nets[p].label)
-         << ", \"net\": " << Quote(block.nets[p].label) << " }";
-  json << " ],\n      \"nets\": [";
-  for (size_t n = 0; n < block.nets.size(); ++n) {
-    bool global = block.nets[n].kind == NetKind::Global || block.nets[n].label == "GND";
-    json << (n ? ", " : " ") << "{ \"label\": " << Quote(block.nets[n].label)
-         << ", \"global\": " << (global ? "true" : "false") << " }";
-  }
-  json << " ],\n      \"components\": [\n";
-  for (size_t c = 0; c < block.order.size(); ++c) {
-    int item = block.order[c];
-    json << "        "
-         << (item >= 0 ? PrimitiveJson(block, block.primitives[item])
-                       : InstanceJson(design, block, block.instances[-1 - item]))
-         << (c + 1 < block.order.size() ? ",\n" : "\n");
-  }
-  json << "      ] }";
-  return json.str();
+Json BlockJson(const Design& design, const Block& block) {
+  Json ports = Json::array(), nets = Json::array(), components = Json::array();
+  for (int p = 0; p < block.ports; ++p) ports.push_back({{"name", block.nets[p].label}, {"net", block.nets[p].label}});
+  for (const Net& net : block.nets)
+    nets.push_back({{"label", net.label}, {"global", net.kind == NetKind::Global || net.label == "GND"}});
+  for (int item : block.order)
+    components.push_back(item >= 0 ? PrimitiveJson(block, block.primitives[item])
+                                   : InstanceJson(design, block, block.instances[-1 - item]));
+  return {{"name", block.name}, {"ports", ports}, {"nets", nets}, {"components", components}};
 }
 
 std::string DesignJson(const Design& design) {
-  std::ostringstream json;
-  json << "{\n"
-       << kSymbols << "  \"testbenches\": { " << Quote(design.testBench) << ": "
-       << Quote(design.blocks[0].name) << " },\n  \"blocks\": [\n";
-  for (size_t b = 0; b < design.blocks.size(); ++b)
-    json << BlockJson(design, design.blocks[b]) << (b + 1 < design.blocks.size() ? ",\n" : "\n");
-  json << "  ]\n}\n";
-  return json.str();
+  Json blocks = Json::array();
+  for (const Block& block : design.blocks) blocks.push_back(BlockJson(design, block));
+  return Json{{"symbols", Symbols()}, {"testbenches", {{design.testBench, design.blocks[0].name}}}, {"blocks", blocks}}
+      .dump(1);
 }
 
 /// Writes the flat reference deck: every occurrence of every primitive, on nodes named by the test.
@@ -425,19 +379,6 @@ class ReferenceWriter {
   int elements_ = 0;
 };
 
-std::string ReadSourceFile(const std::string& relative) {
-  return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative);
-}
-
-const DeckForm kForms[] = {
-    {"BerkeleyFlat", "-s", ""},          {"BerkeleyHier", "-s -h", ""},
-    {"BerkeleyFlatNamed", "-s -n", ""},  {"BerkeleyHierNamed", "-s -h -n", ""},
-    {"PspiceFlat", "-p", "psa"},         {"PspiceHier", "-p -h", "psa"},
-    {"PspiceFlatNamed", "-p -n", "psa"}, {"PspiceHierNamed", "-p -h -n", "psa"},
-    {"HspiceFlat", "-m", "hsa"},         {"HspiceHier", "-m -h", "hsa"},
-    {"HspiceFlatNamed", "-m -n", "hsa"}, {"HspiceHierNamed", "-m -h -n", "hsa"},
-};
-
 class RandomCircuitTest : public ::testing::TestWithParam<uint32_t> {
  protected:
   void TearDown() override { RemoveScratch(folder_); }
@@ -451,7 +392,7 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
   folder_ = MakeScratch("random");
   std::string designJson = DesignJson(design);
   WriteText(folder_ + "/design.json", designJson);
-  WriteText(folder_ + "/galt/standard/vesk.cfg", ReadSourceFile("examples/standard/vesk.cfg"));
+  WriteText(folder_ + "/galt/standard/vesk.cfg", ReadText(std::string(VESK_SOURCE_DIR) + "/examples/standard/vesk.cfg"));
   WriteText(folder_ + "/analyses.inc", ".OP\n");
   const std::map<std::string, std::string>& env = ProjectEnvironment();
   std::string output, errors;
@@ -465,7 +406,7 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
   std::map<std::string, double> expected = reference.OperatingPoint();
   ASSERT_FALSE(expected.empty()) << reference.transcript;
 
-  for (const DeckForm& form : kForms) {
+  for (const DeckForm& form : PlainDeckForms()) {
     SCOPED_TRACE(form.testName + " (vesk " + form.switches + ")");
     std::string deckName = form.testName;
     std::string args = form.switches + " -ganalyses.inc -!" + deckName + " " + design.testBench;

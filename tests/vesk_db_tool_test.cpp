@@ -2,9 +2,7 @@
 // report of bad input that leaves an existing database as it was.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 
@@ -17,16 +15,10 @@ namespace {
 
 class VeskDbTool : public ::testing::Test {
  protected:
-  void SetUp() override {
-    char name[] = "/tmp/vesk-db-tool-XXXXXX";
-    folder_ = ::mkdtemp(name);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
+  void SetUp() override { folder_ = MakeScratch("db-tool"); }
+  void TearDown() override { RemoveScratch(folder_.string()); }
 
-  void Write(const std::string& relative, const std::string& text) {
-    fs::create_directories((folder_ / relative).parent_path());
-    std::ofstream(folder_ / relative, std::ios::binary) << text;
-  }
+  void Write(const std::string& relative, const std::string& text) { WriteText((folder_ / relative).string(), text); }
 
   int Run(const std::string& args) {
     return RunProgram(BinaryDir() + "/vesk-db", args, folder_.string(), {}, out_, err_);
@@ -44,10 +36,7 @@ class VeskDbTool : public ::testing::Test {
     std::string all;
     for (const auto& entry : fs::recursive_directory_iterator(folder_)) {
       if (entry.is_directory() || entry.path().filename() == "bad.json") continue;
-      std::ifstream in(entry.path(), std::ios::binary);
-      std::ostringstream bytes;
-      bytes << in.rdbuf();
-      all += entry.path().string() + ":" + bytes.str() + "\n";
+      all += entry.path().string() + ":" + ReadText(entry.path().string()) + "\n";
     }
     return all;
   }
@@ -58,34 +47,8 @@ class VeskDbTool : public ::testing::Test {
 
 // ---- Round trip
 
-// Uses every field with a value other than its default, and leans on every default.
-const char* kRich = R"({
-  "snapshot": "Qor",
-  "groups": {"G1": {"internal_id": "7A", "type": 2}, "G3": {"internal_id": "x\"y\\z", "type": -3},
-             "GD": {}},
-  "symbols": {"RES.1": {"PREFIX": "R", "ORDER": "VALUE$"}, "EMPTY.1": {}},
-  "testbenches": {"mydesign": "(lib)_TOP", "sub": "SUB"},
-  "blocks": [
-    {"name": "(lib)_TOP",
-     "ports": [{"name": "IN", "net": "IN", "attributes": {"SIGNAL": "A", "BLANK": ""}},
-       {"name": "D[1:0]", "bus": "D", "nets": ["D1", "D0"]},
-       {"name": "W", "bus": "WB", "width": 8, "connected": false}, {"name": "SPARE"}],
-     "nets": [{"label": "IN", "global": false, "attributes": {"PROBE": ""}, "group": "G1", "number": 3},
-       {"label": "GND", "global": true}, {"label": "N\tTAB", "group": "G3"},
-       {"label": "NEG", "group": "GD", "number": -5}],
-     "components": [
-       {"label": "R1", "name": "RES.1", "partition": "analog", "type": 1,
-        "attributes": {"VALUE": "1K", "$$Own": "é ü \u0001"}, "definition": {"ORDER": "VALUE$"},
-        "pins": [{"name": "A", "net": "IN"}, {"name": "B", "net": "GND"}], "group": "G1", "number": 12},
-       {"label": "R2", "name": "RES.1", "pins": [{"name": "A", "net": "OUT"}, {"name": "B"}]},
-       {"label": "R3", "name": "RES.1", "definition": {}},
-       {"label": "E1", "name": "EMPTY.1", "type": 0},
-       {"label": "X1", "name": "SUB.1", "type": 2, "child": "SUB", "pins": [{"name": "P", "net": "IN"},
-        {"name": "Q", "connected": true}, {"name": "E", "nets": []},
-        {"name": "B[3:0]", "nets": ["B3", "B2", "B1", "B0"], "bus": "B", "width": 4}]},
-       {"label": "X$2", "type": 3, "child": "SUB", "group": "GD"}]},
-    {"name": "SUB", "ports": [{"name": "P", "net": "P"}], "components": []},
-    {"name": "LONELY"}]})";
+// tests/vesk_db/rich.json uses every field with a value other than its default, and leans on every default.
+std::string Rich() { return SourceText("tests/vesk_db/rich.json"); }
 
 // The rich design as the interface reads it, with everything that can be listed.
 std::string Dump(const std::string& location) {
@@ -202,7 +165,7 @@ std::string Dump(const std::string& location) {
 }
 
 TEST_F(VeskDbTool, ExportThenImportGivesTheSameDesign) {
-  Import(kRich);
+  Import(Rich());
   std::string original = Dump((folder_ / "database").string());
   // Spot checks that the round trip compares something real.
   for (const char* line :
@@ -237,41 +200,16 @@ TEST_F(VeskDbTool, ANewImportReplacesTheDatabaseUnderTheSnapshotAskedFor) {
 
 // ---- Bad input
 
-// One description of each kind of fault, with the JSON path that the one-line report names.
-const std::pair<const char*, const char*> kBadInputs[] = {
-    {R"({"blocks": [)", "line 1, column "},  // not JSON
-    {"{}", "blocks"},                        // a required field missing
-    {R"({"blocks": [{"name": "A",
-       "components": [{"label": "R", "pins": [{"name": "P", "nets": ["a", 2]}]}]}]})",
-     "blocks[0].components[0].pins[0].nets[1]"},  // a field of the wrong type
-    {R"({"blocks": [{"name": "A", "nets": [{"label": "N", "number": 3000000000}]}]})",
-     "blocks[0].nets[0].number"},  // out of range
-    {R"({"blocks": [{"name": "A", "components": [{"label": "R"}, {"label": "X", "child": "NONE"}]}]})",
-     "blocks[0].components[1].child"},
-    {R"({"blocks": [{"name": "A", "components": [{"label": "X", "type": 2, "child": "A"}]}]})",
-     "blocks[0].components[0].child"},
-    {R"({"blocks": [{"name": "T", "components": [{"label": "XA", "type": 2, "child": "A"}]},
-       {"name": "A", "components": [{"label": "XB", "type": 2, "child": "B"}]},
-       {"name": "B", "components": [{"label": "XA", "type": 2, "child": "A"}]}]})",
-     "blocks["},  // a block that places itself through others
-    {R"({"blocks": [{"name": "A", "components": [{"label": "R", "group": "G"}]}]})",
-     "blocks[0].components[0].group"},
-    {R"({"blocks": [{"name": "A"}, {"name": "B"}, {"name": "A"}]})", "blocks[2].name"},
-    {R"({"testbenches": {"tb": "a"}, "blocks": [{"name": "A"}]})", "testbenches.tb"},
-    {R"({"blocks": [{"name": "A", "components": [{"label": "R", "attributes": {"V": "1", "V": "2"}}]}]})",
-     "blocks[0].components[0].attributes.V"},                  // a key given twice
-    {R"({"groups": {"a\nb": 5}, "blocks": []})", "groups.a"},  // names with line breaks
-    {R"({"blocks": [{"name": "A\r\nB", "components": [{"label": "X", "child": "A\r\nB"}]}]})", "blocks[0]"},
-};
-
 TEST_F(VeskDbTool, BadInputIsReportedOnOneLineAndLeavesTheOldDatabaseByteForByte) {
-  Import(kRich);
+  Import(Rich());
   std::string before = FolderBytes();
-  for (const auto& [json, where] : kBadInputs) {
+  const auto badInputs = ReadCaseTable("tests/vesk_db/bad_inputs.txt");
+  EXPECT_GE(badInputs.size(), 13u);
+  for (const auto& [json, where] : badInputs) {
     Write("bad.json", json);
     EXPECT_EQ(Run("import bad.json"), 2) << json;
     EXPECT_EQ(out_, "") << json;
-    std::string prefix = "vesk-db: bad.json: " + std::string(where);
+    std::string prefix = "vesk-db: bad.json: " + where;
     EXPECT_EQ(err_.rfind(prefix, 0), 0u) << json << "\n" << err_;
     EXPECT_GT(err_.size(), prefix.size() + 3) << json << "\n" << err_;
     EXPECT_EQ(err_.find('\n'), err_.size() - 1) << json << "\n" << err_;

@@ -18,29 +18,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A resistor with a current probe, so the probe pass has a marker to rework.
-const char* const kProbed = R"({ "blocks": [ { "name": "TOP", "components": [
-    { "label": "R1", "name": "RES.1", "attributes": { "VALUE": "1K", "PROBE": "i" },
-    "definition": { "PREFIX": "R", "ORDER": "VALUE$" },
-    "pins": [ { "name": "A", "net": "IN" }, { "name": "B", "net": "GND" } ] } ] } ] })";
-
-// Two instances of a sub-circuit model with parameters: a Kelpo run writes OpAmp-param.txt
-// and genhdl/TOP/netUidMap beside the deck.
-const char* const kOpAmps = R"({ "groups": { "G1": { "internal_id": "7A" } }, "blocks": [ { "name": "TOP",
-    "components": [
-    { "label": "U1", "name": "OPA", "attributes": { "PART NUMBER": "PN741", "MODEL": "OpAmp", "GAIN": "200" },
-    "definition": { "PREFIX": "X", "ORDER": "MODEL$" }, "group": "G1", "number": 1,
-    "pins": [ { "name": "OUT", "net": "OUT" }, { "name": "IN", "net": "IN" } ] } ] } ] })";
-
-const char* const kOpAmpMapping =
-    R"(<?xml version="1.0"?><ModelsInfo><Part Name="PN741"><Description>operational amplifier</Description>
-<Symbol Name="OPA">
-<Model Name="OpAmp" Library="" ModelFile="" isOstrelCompiled="0" ModType="Subckt">
-<Ports><Port Assigned="1">IN</Port><Port Assigned="1">OUT</Port></Ports><Parameters>
-<Parameter Name="GAIN" Type="" DefValue="100"><Content></Content><Override>gain</Override></Parameter>
-<Parameter Name="RIN" Type="" DefValue="1MEG"><Content>2MEG</Content><Override></Override></Parameter>
-</Parameters></Model></Symbol></Part></ModelsInfo>
-)";
+// probed.json: a resistor with a current probe, so the probe pass has a marker to rework.
+// opamps.json with Models_Info.xml: a sub-circuit model with parameters, so a Kelpo run writes
+// OpAmp-param.txt and genhdl/TOP/netUidMap beside the deck.
+std::string Probed() { return SourceText("tests/write_faults/probed.json"); }
 
 const char kOldDeck[] = "* the deck of an earlier run\n*.END\n";
 
@@ -93,10 +74,10 @@ TEST(WriteFaultTest, EachFailureIsReportedAndLosesNothing) {
     if (fault.kelpo) {
       args = "-_ -h TOP";
       input.deckPath = "genhdl/TOP/TOP.cir";
-      input.files["Sym/Models_Info.xml"] = kOpAmpMapping;
+      input.files["Sym/Models_Info.xml"] = SourceText("tests/write_faults/Models_Info.xml");
       input.files["sym/OpAmp.mod"] = ".SUBCKT opamp IN OUT\nRIN IN OUT 1MEG\n.ENDS\n";
     }
-    VeskRun run = RunVesk(fault.kelpo ? kOpAmps : kProbed, args, input);
+    VeskRun run = RunVesk(fault.kelpo ? SourceText("tests/write_faults/opamps.json") : Probed(), args, input);
     EXPECT_EQ(run.rc, 5) << run.errors;
     EXPECT_NE(run.output.find(fault.message), std::string::npos) << run.output;
     if (fault.oldFileStays) {
@@ -116,7 +97,7 @@ TEST(WriteFaultTest, FailedDeckLeavesNoFile) {
   for (const char* fault : {"folder:TOP.cir:1", "full:TOP.cir:1", "rename:TOP.cir:1"}) {
     VeskInput input;
     input.env["VESK_WRITE_FAULT"] = fault;
-    VeskRun run = RunVesk(kProbed, "-h TOP", input);
+    VeskRun run = RunVesk(Probed(), "-h TOP", input);
     EXPECT_EQ(run.rc, 5) << fault;
     EXPECT_EQ(run.deck, "<no deck>") << fault;
     EXPECT_EQ(run.output.find("Could not open"), std::string::npos) << run.output;
@@ -129,7 +110,7 @@ TEST(WriteFaultTest, DeckFolderThatIsAFile) {
   VeskInput input;
   input.files["genhdl"] = "not a folder\n";
   input.deckPath = "genhdl";
-  VeskRun run = RunVesk(kProbed, "-_ -h TOP", input);
+  VeskRun run = RunVesk(Probed(), "-_ -h TOP", input);
   EXPECT_EQ(run.rc, 5);
   EXPECT_NE(run.output.find("Error: cannot write genhdl/TOP/TOP.cir: Not a directory\n"), std::string::npos)
       << run.output;
@@ -139,7 +120,7 @@ TEST(WriteFaultTest, DeckFolderThatIsAFile) {
 // A real full file system: a small tmpfs (root only) holds the project; the earlier deck and
 // the database stay whole when the new deck does not fit.
 TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
-  VeskRun prepared = RunVesk(kProbed, "-h TOP");
+  VeskRun prepared = RunVesk(Probed(), "-h TOP");
   ASSERT_EQ(prepared.rc, 0) << prepared.output;
   const fs::path mount = fs::path(prepared.folder).parent_path() / "small";
   fs::create_directories(mount);
@@ -147,12 +128,10 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
     GTEST_SKIP() << "no small file system here (needs root and mount)";
   // Unmounted however the test ends.
   std::unique_ptr<const char, void (*)(const char*)> unmount(mount.c_str(), [](const char* path) { ::umount(path); });
-  for (const char* file : {"database/design.sqlite", "galt/standard/vesk.cfg"}) {
-    fs::create_directories((mount / file).parent_path());
-    std::ofstream(mount / file, std::ios::binary) << prepared.Read(file);
-  }
+  for (const char* file : {"database/design.sqlite", "galt/standard/vesk.cfg"})
+    WriteText((mount / file).string(), prepared.Read(file));
   const std::string database = prepared.Read("database/design.sqlite");
-  std::ofstream(mount / "TOP.cir") << kOldDeck;
+  WriteText((mount / "TOP.cir").string(), kOldDeck);
   {
     // Fill the rest of the file system.
     std::ofstream filler(mount / "filler", std::ios::binary);
@@ -162,16 +141,11 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
   }
   std::string output, errors;
   int rc = RunProgram(BinaryDir() + "/vesk", "-h TOP", mount.string(), {{"GALT_HOME", "galt"}}, output, errors);
-  std::ifstream deckIn(mount / "TOP.cir");
-  std::string deck((std::istreambuf_iterator<char>(deckIn)), std::istreambuf_iterator<char>());
-  std::ifstream dbIn(mount / "database/design.sqlite", std::ios::binary);
-  std::string db((std::istreambuf_iterator<char>(dbIn)), std::istreambuf_iterator<char>());
-  std::string left = LeftOvers(mount.string());
   EXPECT_EQ(rc, 5) << output << errors;
   EXPECT_NE(output.find("Error: cannot write TOP.cir: No space left on device"), std::string::npos) << output;
-  EXPECT_EQ(deck, kOldDeck);
-  EXPECT_TRUE(db == database) << "the database changed";
-  EXPECT_EQ(left, "");
+  EXPECT_EQ(ReadText((mount / "TOP.cir").string()), kOldDeck);
+  EXPECT_TRUE(ReadText((mount / "database/design.sqlite").string()) == database) << "the database changed";
+  EXPECT_EQ(LeftOvers(mount.string()), "");
 }
 
 }  // namespace

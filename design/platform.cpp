@@ -3,17 +3,17 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <strings.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -199,7 +199,8 @@ std::string AbsoluteByName(const std::string& path) {
 
 bool Within(const std::string& path, const std::string& folder) {
   return folder == "/" || path == folder ||
-         (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 && path[folder.size()] == '/');
+         (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+          path[folder.size()] == '/');
 }
 
 }  // namespace

@@ -68,9 +68,7 @@ TesselPI::TesselPI() : impl_(std::make_shared<TesselImpl>()) {}
 
 TesselPI::~TesselPI() = default;
 
-Result TesselPI::OpenTessel(ProjectData& data) {
-  return impl_->Open(data.location.str());
-}
+Result TesselPI::OpenTessel(ProjectData& data) { return impl_->Open(data.location.str()); }
 
 Result TesselPI::GetSnapshotByName(ContainerT<const ISnapshot>& snapshot, const String& name) {
   return impl_->GetSnapshot(snapshot, name.str());

@@ -225,7 +225,8 @@ class IObject {
 
 class IBlock : public IObject {
  public:
-  virtual Result GetIterComps(IteratorT<const IComp>& it, const BitContainerT<ECompType, 1>& filter) const = 0;
+  virtual Result GetIterComps(IteratorT<const IComp>& it,
+                              const BitContainerT<ECompType, 1>& filter) const = 0;
   virtual Result GetIterNets(IteratorT<const INet>& it) const = 0;
   virtual Result GetIterPorts(IteratorT<const IPort>& it) const = 0;
   virtual Result GetComp(ContainerT<const IComp>& comp, const Index& index) const = 0;

@@ -51,4 +51,3 @@ class ParameterFile {
   std::vector<LineList::iterator> emptyLines_;
   uint64_t nextOrder_ = 0;
 };
-

@@ -18,7 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-
 std::string Blob(const std::vector<uint32_t>& words) {
   return std::string(reinterpret_cast<const char*>(words.data()), words.size() * 4);
 }
@@ -37,7 +36,8 @@ class CorruptDatabase : public ::testing::Test {
     folder_ = MakeScratch("db-corrupt");
     std::string error;
     // Blocks in storage order: LEAF 0, MID 1, TOP 2. MID places LEAF through XL, TOP places MID.
-    ASSERT_TRUE(ImportDesign(SourceText("tests/vesk_db/three_levels.json"), folder_.string(), error)) << error;
+    ASSERT_TRUE(ImportDesign(SourceText("tests/vesk_db/three_levels.json"), folder_.string(), error))
+        << error;
     good_ = ReadText(DatabaseFile());
   }
   void TearDown() override { RemoveScratch(folder_.string()); }
@@ -174,8 +174,9 @@ TEST_F(CorruptDatabase, VeskNeverCrashesOnRandomDamage) {
     const char* args = kArgs[round / 3 % 3];
     VeskRun run = RunOn(bytes, args);
     // 0 deck written, 1 configuration, 3 database unreadable, 4 group not found.
-    EXPECT_TRUE(run.rc == 0 || run.rc == 1 || run.rc == 3 || run.rc == 4) << sql << " / " << args << ": rc " << run.rc << "\n"
-                                            << run.output;
+    EXPECT_TRUE(run.rc == 0 || run.rc == 1 || run.rc == 3 || run.rc == 4)
+        << sql << " / " << args << ": rc " << run.rc << "\n"
+        << run.output;
     if (!loads) {
       EXPECT_EQ(run.output.rfind("Couldn't Open TESSEL DataBase\n", 0), 0u) << sql << run.output;
     }

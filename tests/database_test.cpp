@@ -71,9 +71,7 @@ Strings Occurrences(IteratorT<const IComp> it) {
 // A design imported into a temporary folder and opened as snapshot "Qor".
 class DatabaseTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = MakeScratch("db-test");
-  }
+  void SetUp() override { folder_ = MakeScratch("db-test"); }
   void TearDown() override {
     snapshot_ = {};
     uid_ = {};
@@ -161,7 +159,6 @@ TEST_F(DatabaseTest, ConfigsWalkTheTreeDepthFirstNamePathsWithTheCallersSeparato
 }
 
 // ---- Attributes
-
 
 TEST_F(DatabaseTest, AttributesListInstanceLevelThenDefinitionOrSymbolAndOneIsAnExactKeyAtItsLevel) {
   Open(SourceText("tests/vesk_db/attributes.json"));

@@ -94,7 +94,9 @@ void RemoveScratch(const std::string& folder) {
   fs::remove_all(folder, ignored);
 }
 
-std::string SourceText(const std::string& relative) { return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative); }
+std::string SourceText(const std::string& relative) {
+  return ReadText(std::string(VESK_SOURCE_DIR) + "/" + relative);
+}
 
 std::vector<std::pair<std::string, std::string>> ReadCaseTable(const std::string& relative) {
   std::vector<std::pair<std::string, std::string>> cases;

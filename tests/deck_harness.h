@@ -54,7 +54,8 @@ int RunProgram(const std::string& program, const std::string& args, const std::s
 /// Starts a program like RunProgram, its output to `out` and `err` (nullptr: nowhere); returns its
 /// process id for WaitProgram, which returns its exit code (128 + signal when killed).
 int StartProgram(const std::string& program, const std::string& args, const std::string& folder,
-                 const std::map<std::string, std::string>& env, std::FILE* out = nullptr, std::FILE* err = nullptr);
+                 const std::map<std::string, std::string>& env, std::FILE* out = nullptr,
+                 std::FILE* err = nullptr);
 int WaitProgram(int child);
 
 /// Replaces the text behind "* File created " by "<date>".

@@ -70,8 +70,8 @@ TEST(HostileInputTest, ModelNameThatClimbsOutGetsNoParameterFileOutside) {
   const std::string model = "..\\..\\" + tag;
   VeskInput input;
   input.deckPath = "genhdl/TOP/TOP.cir";
-  input.files["Sym/Models_Info.xml"] =
-      ReplaceOnce(SourceText("tests/write_faults/Models_Info.xml"), "Name=\"OpAmp\"", "Name=\"" + model + "\"");
+  input.files["Sym/Models_Info.xml"] = ReplaceOnce(SourceText("tests/write_faults/Models_Info.xml"),
+                                                   "Name=\"OpAmp\"", "Name=\"" + model + "\"");
   const std::string design = ReplaceOnce(SourceText("tests/write_faults/opamps.json"), "\"MODEL\": \"OpAmp\"",
                                          "\"MODEL\": \"" + Json(model) + "\"");
   VeskRun run = RunVesk(design, "-_ -h TOP", input);
@@ -99,7 +99,8 @@ TEST(HostileInputTest, HugeCountsInTheDatabaseAreRefused) {
   const fs::path file = folder / "database" / vdb::kDatabaseFile;
   for (const char* edit : {"UPDATE blocks SET comps = 2147483647", "UPDATE blocks SET nets = 4294967295",
                            "UPDATE attr_lists SET data = x'FFFFFFFF01000000'"}) {
-    ASSERT_TRUE(ImportDesign(R"({ "blocks": [ )" + Resistor("TOP") + " ] }", folder.string(), error)) << error;
+    ASSERT_TRUE(ImportDesign(R"({ "blocks": [ )" + Resistor("TOP") + " ] }", folder.string(), error))
+        << error;
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(db, edit, nullptr, nullptr, nullptr), SQLITE_OK) << edit;
@@ -109,7 +110,9 @@ TEST(HostileInputTest, HugeCountsInTheDatabaseAreRefused) {
     EXPECT_FALSE(vdb::LoadDesign(file.string(), design, reason)) << edit;
     EXPECT_FALSE(reason.empty()) << edit;
     std::string output, errors;
-    EXPECT_EQ(RunProgram(BinaryDir() + "/vesk", "TOP", folder.string(), {{"GALT_HOME", "galt"}}, output, errors), 3);
+    EXPECT_EQ(
+        RunProgram(BinaryDir() + "/vesk", "TOP", folder.string(), {{"GALT_HOME", "galt"}}, output, errors),
+        3);
     EXPECT_EQ(output.rfind("Couldn't Open TESSEL DataBase\n", 0), 0u) << edit << ": " << output;
     EXPECT_EQ(errors, "") << edit;
   }

@@ -64,7 +64,8 @@ TEST_F(ProjectFolder, ImportKilledAtRandomMomentsKeepsTheOldDatabase) {
   // How long one import takes here; the kills fall anywhere up to a little beyond that.
   auto begin = std::chrono::steady_clock::now();
   ASSERT_EQ(WaitProgram(Start(BinaryDir() + "/vesk-db", "import new.json", folder_)), 0);
-  const auto took = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+  const auto took =
+      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
   ASSERT_TRUE(ImportDesign(oldDesign, folder_.string(), error)) << error;
 
   std::mt19937 random(14);
@@ -86,7 +87,8 @@ TEST_F(ProjectFolder, ImportKilledAtRandomMomentsKeepsTheOldDatabase) {
   }
   // A run that vesk reads after all the kills writes the old design's deck.
   std::string output, errors;
-  EXPECT_EQ(RunProgram(BinaryDir() + "/vesk", "TOP", folder_.string(), {{"GALT_HOME", "galt"}}, output, errors), 0)
+  EXPECT_EQ(
+      RunProgram(BinaryDir() + "/vesk", "TOP", folder_.string(), {{"GALT_HOME", "galt"}}, output, errors), 0)
       << output;
   const std::string deck = ReadText(folder_ / "TOP.cir");
   EXPECT_NE(deck.find("\nR4 "), std::string::npos) << deck;

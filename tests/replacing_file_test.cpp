@@ -84,7 +84,8 @@ TEST_F(ScratchFolder, ReplacementIsAllOrNothing) {
   ReplacingFile outside;
   testing::internal::CaptureStdout();
   EXPECT_FALSE(outside.Open("../outside.cir"));
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error: cannot write ../outside.cir: outside the project folder\n");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Error: cannot write ../outside.cir: outside the project folder\n");
   EXPECT_EQ(WriteFailureCount(), failures + 1);
   EXPECT_FALSE(fs::exists(root_ / "outside.cir"));
 }

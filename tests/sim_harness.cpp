@@ -7,8 +7,8 @@
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
-#include <set>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -143,8 +143,8 @@ SimResult RunNgspice(const std::string& folder, const std::string& deck, const s
   // PSpice makes every node whose name begins with $G_ global; ngspice has no such rule, not even
   // in its PSpice mode. A wrapper supplies it as .global lines and includes the deck untouched.
   std::string run = deck;
-  std::vector<std::string> globals = behavior == "psa" ? PspiceGlobalNodes(ReadText(folder + "/" + deck))
-                                                      : std::vector<std::string>{};
+  std::vector<std::string> globals =
+      behavior == "psa" ? PspiceGlobalNodes(ReadText(folder + "/" + deck)) : std::vector<std::string>{};
   if (!globals.empty()) {
     run = deck + ".pspice-globals.cir";
     std::string wrapper = "* " + deck + " with the global nodes PSpice knows by their $G_ names\n.global";

@@ -67,4 +67,3 @@ const std::map<std::string, std::string>& ProjectEnvironment();
 /// A fresh project folder holding tests/sim/<design> (design, sym/, header, references), the
 /// configuration file and the database imported from design.json; `error` tells what failed.
 std::string MakeDesignProject(const std::string& design, std::string& error);
-

@@ -7,12 +7,11 @@
 #include <cmath>
 #include <cstdint>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "tests/deck_harness.h"
 #include "tests/sim_harness.h"
@@ -291,8 +290,11 @@ Json PrimitiveJson(const Block& block, const Primitive& part) {
   std::vector<size_t> pinOrder = {0, 1};
   if (part.nets.size() == 4) pinOrder = {2, 3, 0, 1};
   Json pins = Json::array();
-  for (size_t pin : pinOrder) pins.push_back({{"name", kPins[pin]}, {"net", block.nets[part.nets[pin]].label}});
-  return {{"label", part.label}, {"name", kSymbolOf.at(part.letter)}, {"attributes", {{"VALUE", part.value.text}}},
+  for (size_t pin : pinOrder)
+    pins.push_back({{"name", kPins[pin]}, {"net", block.nets[part.nets[pin]].label}});
+  return {{"label", part.label},
+          {"name", kSymbolOf.at(part.letter)},
+          {"attributes", {{"VALUE", part.value.text}}},
           {"pins", pins}};
 }
 
@@ -301,13 +303,17 @@ Json InstanceJson(const Design& design, const Block& block, const Instance& inst
   Json pins = Json::array();
   for (int p = 0; p < child.ports; ++p)
     pins.push_back({{"name", child.nets[p].label}, {"net", block.nets[instance.nets[p]].label}});
-  return {{"label", instance.label}, {"name", instance.bare ? "BARE.1" : "SUB.1"}, {"type", 2},
-          {"child", child.name}, {"pins", pins}};
+  return {{"label", instance.label},
+          {"name", instance.bare ? "BARE.1" : "SUB.1"},
+          {"type", 2},
+          {"child", child.name},
+          {"pins", pins}};
 }
 
 Json BlockJson(const Design& design, const Block& block) {
   Json ports = Json::array(), nets = Json::array(), components = Json::array();
-  for (int p = 0; p < block.ports; ++p) ports.push_back({{"name", block.nets[p].label}, {"net", block.nets[p].label}});
+  for (int p = 0; p < block.ports; ++p)
+    ports.push_back({{"name", block.nets[p].label}, {"net", block.nets[p].label}});
   for (const Net& net : block.nets)
     nets.push_back({{"label", net.label}, {"global", net.kind == NetKind::Global || net.label == "GND"}});
   for (int item : block.order)
@@ -319,7 +325,9 @@ Json BlockJson(const Design& design, const Block& block) {
 std::string DesignJson(const Design& design) {
   Json blocks = Json::array();
   for (const Block& block : design.blocks) blocks.push_back(BlockJson(design, block));
-  return Json{{"symbols", Symbols()}, {"testbenches", {{design.testBench, design.blocks[0].name}}}, {"blocks", blocks}}
+  return Json{{"symbols", Symbols()},
+              {"testbenches", {{design.testBench, design.blocks[0].name}}},
+              {"blocks", blocks}}
       .dump(1);
 }
 
@@ -392,7 +400,8 @@ TEST_P(RandomCircuitTest, EveryDeckHasTheReferenceOperatingPoint) {
   folder_ = MakeScratch("random");
   std::string designJson = DesignJson(design);
   WriteText(folder_ + "/design.json", designJson);
-  WriteText(folder_ + "/galt/standard/vesk.cfg", ReadText(std::string(VESK_SOURCE_DIR) + "/examples/standard/vesk.cfg"));
+  WriteText(folder_ + "/galt/standard/vesk.cfg",
+            ReadText(std::string(VESK_SOURCE_DIR) + "/examples/standard/vesk.cfg"));
   WriteText(folder_ + "/analyses.inc", ".OP\n");
   const std::map<std::string, std::string>& env = ProjectEnvironment();
   std::string output, errors;

@@ -22,7 +22,6 @@ namespace {
 constexpr double kIn = 10.0, kMid = 10.0 * 2000.0 / 3000.0, kOut = 10.0 * 1000.0 / 3000.0;
 constexpr double kSourceCurrent = -10.0 / 3000.0;
 
-
 class SimulateTest : public ::testing::TestWithParam<DeckForm> {};
 
 TEST_P(SimulateTest, OperatingPointOfTheDivider) {
@@ -47,7 +46,8 @@ TEST_P(SimulateTest, OperatingPointOfTheDivider) {
   const std::string in = NodeOfNet(dictionary, "IN"), mid = NodeOfNet(dictionary, "MID"),
                     out = NodeOfNet(dictionary, "OUT");
   EXPECT_EQ(NodeOfNet(dictionary, "GND"), "0") << deck;
-  ASSERT_EQ(std::set<std::string>({in, mid, out, "0"}).size(), 4u) << "IN, MID, OUT, GND share a node:\n" << deck;
+  ASSERT_EQ(std::set<std::string>({in, mid, out, "0"}).size(), 4u) << "IN, MID, OUT, GND share a node:\n"
+                                                                   << deck;
 
   // The deck as it stands, with the operating point behind its closing comment.
   WriteText(run.folder + "/simulate.cir", deck + ".op\n.end\n");

@@ -98,8 +98,8 @@ TEST_P(SpiceReadTest, ReadsTheStatements) {
   const NetlistCase& c = GetParam();
   vdb::SpiceNetlist netlist;
   std::string error;
-  ASSERT_TRUE(vdb::ReadSpiceNetlist(ReadText(c.folder / "input.cir"), "top.cir", LoaderOf(FilesOf(c)), netlist,
-                                    error))
+  ASSERT_TRUE(vdb::ReadSpiceNetlist(ReadText(c.folder / "input.cir"), "top.cir", LoaderOf(FilesOf(c)),
+                                    netlist, error))
       << error;
   EXPECT_EQ(Describe(netlist), ReadText(c.folder / "expect"));
 }
@@ -114,8 +114,8 @@ TEST_P(SpiceBadInputTest, NamesFileAndLine) {
   vdb::Design design;
   std::vector<vdb::SpiceSideFile> files;
   std::string error;
-  EXPECT_FALSE(vdb::DesignFromSpiceText(ReadText(c.folder / "input.cir"), "top.cir", LoaderOf(FilesOf(c)), "TOP",
-                                        design, files, error));
+  EXPECT_FALSE(vdb::DesignFromSpiceText(ReadText(c.folder / "input.cir"), "top.cir", LoaderOf(FilesOf(c)),
+                                        "TOP", design, files, error));
   EXPECT_EQ(error + "\n", ReadText(c.folder / "error"));
 }
 

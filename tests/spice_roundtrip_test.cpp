@@ -71,9 +71,11 @@ std::string Substitute(std::string text, const std::map<std::string, std::string
 }
 
 // The operating point and the analysis, each written to the raw file that RunNgspice reads back.
-std::string Control(const RoundTrip& c, const std::map<std::string, std::string>& nodeOf, const std::string& raw) {
+std::string Control(const RoundTrip& c, const std::map<std::string, std::string>& nodeOf,
+                    const std::string& raw) {
   return ".control\nset appendwrite\nop\nwrite " + raw + " all\n" + Substitute(c.analysis, nodeOf) +
-         "\nlet result = " + Substitute(c.result, nodeOf) + "\nwrite " + raw + " result\nquit 0\n.endc\n.end\n";
+         "\nlet result = " + Substitute(c.result, nodeOf) + "\nwrite " + raw +
+         " result\nquit 0\n.endc\n.end\n";
 }
 
 // The netlist without its .end, so that the control block can follow.
@@ -85,8 +87,8 @@ std::string WithoutEnd(const std::string& netlist) {
 }
 
 // The node voltages of the operating point and, as "result", the value the analysis printed.
-std::map<std::string, double> Simulate(const fs::path& folder, const std::string& file, const std::string& behavior,
-                                       std::string& transcript) {
+std::map<std::string, double> Simulate(const fs::path& folder, const std::string& file,
+                                       const std::string& behavior, std::string& transcript) {
   const SimResult sim = RunNgspice(folder.string(), file, behavior);
   transcript = sim.transcript;
   EXPECT_EQ(sim.rc, 0) << transcript;
@@ -168,12 +170,14 @@ std::vector<RoundTrip> FindCases() {
   if (!fs::is_directory(root)) return cases;
   for (const auto& entry : fs::directory_iterator(root)) {
     std::istringstream analysis(ReadText(entry.path() / "analysis"));
-    RoundTrip c{entry.path().filename().string(), entry.path(), ReadText(entry.path() / "netlist.cir"), "", ""};
+    RoundTrip c{entry.path().filename().string(), entry.path(), ReadText(entry.path() / "netlist.cir"), "",
+                ""};
     std::getline(analysis, c.analysis);
     std::getline(analysis, c.result);
     cases.push_back(c);
   }
-  std::sort(cases.begin(), cases.end(), [](const RoundTrip& a, const RoundTrip& b) { return a.folder < b.folder; });
+  std::sort(cases.begin(), cases.end(),
+            [](const RoundTrip& a, const RoundTrip& b) { return a.folder < b.folder; });
   return cases;
 }
 

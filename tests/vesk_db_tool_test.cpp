@@ -18,7 +18,9 @@ class VeskDbTool : public ::testing::Test {
   void SetUp() override { folder_ = MakeScratch("db-tool"); }
   void TearDown() override { RemoveScratch(folder_.string()); }
 
-  void Write(const std::string& relative, const std::string& text) { WriteText((folder_ / relative).string(), text); }
+  void Write(const std::string& relative, const std::string& text) {
+    WriteText((folder_ / relative).string(), text);
+  }
 
   int Run(const std::string& args) {
     return RunProgram(BinaryDir() + "/vesk-db", args, folder_.string(), {}, out_, err_);

@@ -29,7 +29,8 @@ const char kOldDeck[] = "* the deck of an earlier run\n*.END\n";
 std::string LeftOvers(const std::string& folder) {
   std::string found;
   for (const auto& entry : fs::recursive_directory_iterator(folder))
-    if (entry.path().filename().string().find(".vesk-") != std::string::npos) found += entry.path().string() + " ";
+    if (entry.path().filename().string().find(".vesk-") != std::string::npos)
+      found += entry.path().string() + " ";
   return found;
 }
 
@@ -48,8 +49,8 @@ TEST(WriteFaultTest, EachFailureIsReportedAndLosesNothing) {
        "Error: cannot write TOP.cir: Permission denied\n", true},
       {"disk full writing the deck", "full:TOP.cir:1", false, "TOP.cir",
        "Error: cannot write TOP.cir: No space left on device\n", true},
-      {"deck rename refused", "rename:TOP.cir:1", false, "TOP.cir", "Error: cannot write TOP.cir: Permission denied\n",
-       true},
+      {"deck rename refused", "rename:TOP.cir:1", false, "TOP.cir",
+       "Error: cannot write TOP.cir: Permission denied\n", true},
       {"disk full while the probe pass replaces the deck", "full:TOP.cir:2", false, "TOP.cir",
        "Error: cannot write TOP.cir: No space left on device\nCannot remove file 'TOP.cir'\n", false},
       {"disk full while the post pass replaces the deck", "full:TOP.cir:3", false, "TOP.cir",
@@ -127,7 +128,8 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
   if (::geteuid() != 0 || ::mount("tmpfs", mount.c_str(), "tmpfs", 0, "size=4m") != 0)
     GTEST_SKIP() << "no small file system here (needs root and mount)";
   // Unmounted however the test ends.
-  std::unique_ptr<const char, void (*)(const char*)> unmount(mount.c_str(), [](const char* path) { ::umount(path); });
+  std::unique_ptr<const char, void (*)(const char*)> unmount(mount.c_str(),
+                                                             [](const char* path) { ::umount(path); });
   for (const char* file : {"database/design.sqlite", "galt/standard/vesk.cfg"})
     WriteText((mount / file).string(), prepared.Read(file));
   const std::string database = prepared.Read("database/design.sqlite");
@@ -140,7 +142,8 @@ TEST(WriteFaultTest, SmallFullFileSystemKeepsTheOldDeck) {
     }
   }
   std::string output, errors;
-  int rc = RunProgram(BinaryDir() + "/vesk", "-h TOP", mount.string(), {{"GALT_HOME", "galt"}}, output, errors);
+  int rc =
+      RunProgram(BinaryDir() + "/vesk", "-h TOP", mount.string(), {{"GALT_HOME", "galt"}}, output, errors);
   EXPECT_EQ(rc, 5) << output << errors;
   EXPECT_NE(output.find("Error: cannot write TOP.cir: No space left on device"), std::string::npos) << output;
   EXPECT_EQ(ReadText((mount / "TOP.cir").string()), kOldDeck);

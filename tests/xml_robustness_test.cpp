@@ -48,7 +48,8 @@ std::string Deck(const std::string& u1) {
          "* Inifile   :\n* ConfigFile:  galt\\standard\\vesk.cfg\n* Options   :  -_ -h TOP\n* Levels    "
          ":\n*\n" +
          u1 +
-         "\nR1 QO 0 1000.000000\n* Dictionary 1\n* GND=0\n.model counter macro lang=vhdlams LIB=mylib\n\n*.END\n\n";
+         "\nR1 QO 0 1000.000000\n* Dictionary 1\n* GND=0\n.model counter macro lang=vhdlams "
+         "LIB=mylib\n\n*.END\n\n";
 }
 
 const char kMapped[] = "YU1 counter GENERIC: WIDTH=\"32\" PORT: CK QO";

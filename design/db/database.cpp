@@ -10,7 +10,8 @@ constexpr size_t kMaxOccurrences = 200000000;
 
 ConfigData::ConfigData(const Design& design, uint32_t root) : design_(design), root_(root) {
   occs_.push_back({root, kNone, kNone});
-  std::vector<std::pair<uint32_t, uint32_t>> stack{{0, design.blocks[root].compsBegin}};  // occurrence, position
+  std::vector<std::pair<uint32_t, uint32_t>> stack{
+      {0, design.blocks[root].compsBegin}};  // occurrence, position
   while (!stack.empty() && occs_.size() < kMaxOccurrences) {
     auto& [occ, pos] = stack.back();
     if (pos == design.blocks[occs_[occ].block].compsEnd) {

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "design/db/design_model.h"
 #include "design/db/item_tree.h"
@@ -88,7 +87,7 @@ class DesignBuilder {
   Design& d_;
   std::string error_;
   std::vector<uint32_t> compChild_, compGroup_, netGroup_;  // names, resolved by Finish
-  std::vector<uint32_t> declaredNets_;                       // per block: nets that `nets` declares
+  std::vector<uint32_t> declaredNets_;                      // per block: nets that `nets` declares
   std::unordered_map<uint32_t, uint32_t> netOfLabel_;       // current block: label to net
   std::unordered_map<uint32_t, uint32_t> blockOfName_, groupOfName_, symbolOfName_;
   std::vector<std::pair<uint32_t, std::string>> testbenchTargets_;

@@ -4,8 +4,8 @@
 #include <string>
 
 /// Builds <projectDir>/database from a JSON design description (text). On bad input returns false and sets
-/// `error` to "WHERE: WHAT" (WHERE a JSON path like blocks[1].components[4].pins[0]); never leaves a half-built
-/// database: the new file is built beside the old one and renamed over it.
+/// `error` to "WHERE: WHAT" (WHERE a JSON path like blocks[1].components[4].pins[0]); never leaves a
+/// half-built database: the new file is built beside the old one and renamed over it.
 bool ImportDesign(const std::string& jsonText, const std::string& projectDir, std::string& error,
                   const std::string& snapshot = "");
 

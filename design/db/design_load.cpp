@@ -162,8 +162,8 @@ bool LoadSmallTables(SqliteDb& db, Design& d) {
   while (groups.Row()) {
     GroupRec g;
     uint8_t present = 0;
-    if (!ReadId(groups, 0, g.name) || !ReadId(groups, 1, g.internalId) || !ReadNumber(groups, 2, g.type, present) ||
-        !present)
+    if (!ReadId(groups, 0, g.name) || !ReadId(groups, 1, g.internalId) ||
+        !ReadNumber(groups, 2, g.type, present) || !present)
       return false;
     d.groups.push_back(g);
   }
@@ -252,8 +252,8 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
   while (!reader.Done()) {
     PinRec pin;
     uint32_t connected = 0, count = 0;
-    if (!reader.Word(pin.name) || !reader.Word(pin.bus) || !reader.Word(pin.width) || !reader.Word(connected) ||
-        !reader.Word(count) || count >= kMaxPinsOrNets)
+    if (!reader.Word(pin.name) || !reader.Word(pin.bus) || !reader.Word(pin.width) ||
+        !reader.Word(connected) || !reader.Word(count) || count >= kMaxPinsOrNets)
       return false;
     pin.connected = connected != 0;
     pin.netsCount = count;
@@ -267,9 +267,10 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
 }
 
 bool LoadComps(SqliteDb& db, Design& d) {
-  SqliteStmt query(db,
-                   "SELECT id, block, label, name, partition, type, child, inst_attrs, def_attrs, own_definition, "
-                   "grp, number, pins FROM comps ORDER BY id");
+  SqliteStmt query(
+      db,
+      "SELECT id, block, label, name, partition, type, child, inst_attrs, def_attrs, own_definition, "
+      "grp, number, pins FROM comps ORDER BY id");
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.comps.size());
     if (query.Int(0) != index) return false;
@@ -285,8 +286,9 @@ bool LoadComps(SqliteDb& db, Design& d) {
     if (type < 0 || type > UINT32_MAX) return false;
     c.type = static_cast<uint32_t>(type);
     if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
-        !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) || !ReadId(query, 8, c.defAttrs) ||
-        !ReadOptionalId(query, 10, c.group) || !ReadNumber(query, 11, c.number, hasNumber))
+        !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) ||
+        !ReadId(query, 8, c.defAttrs) || !ReadOptionalId(query, 10, c.group) ||
+        !ReadNumber(query, 11, c.number, hasNumber))
       return false;
     c.hasNumber = hasNumber;
     size_t size = 0;

@@ -103,7 +103,8 @@ bool CheckGroup(const Design& d, uint32_t group) { return group == kNone || grou
 bool CheckComps(const Design& d) {
   const StringPool& s = d.strings;
   for (const CompRec& c : d.comps) {
-    if (c.block >= d.blocks.size() || !s.Valid(c.label) || !s.Valid(c.name) || !s.Valid(c.partition)) return false;
+    if (c.block >= d.blocks.size() || !s.Valid(c.label) || !s.Valid(c.name) || !s.Valid(c.partition))
+      return false;
     if ((c.child != kNone && c.child >= d.blocks.size()) || !CheckGroup(d, c.group)) return false;
     if (c.instAttrs >= d.attrs.Count() || c.defAttrs >= d.attrs.Count()) return false;
     if (c.pinsBegin > d.pins.size() || c.pinsCount > d.pins.size() - c.pinsBegin) return false;
@@ -120,7 +121,8 @@ bool CheckComps(const Design& d) {
 bool CheckNetsAndPorts(const Design& d) {
   const StringPool& s = d.strings;
   for (const NetRec& n : d.nets) {
-    if (n.block >= d.blocks.size() || !s.Valid(n.label) || n.attrs >= d.attrs.Count() || !CheckGroup(d, n.group))
+    if (n.block >= d.blocks.size() || !s.Valid(n.label) || n.attrs >= d.attrs.Count() ||
+        !CheckGroup(d, n.group))
       return false;
   }
   for (const PortRec& p : d.ports) {

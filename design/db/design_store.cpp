@@ -78,7 +78,8 @@ void BindOptional(SqliteStmt& stmt, int col, bool present, int64_t value) {
 
 bool SaveTables(SqliteDb& db, const Design& d) {
   SqliteStmt meta(db, "INSERT INTO meta(key, value) VALUES(?, ?)");
-  for (auto [key, value] : {std::pair<std::string, std::string>{"format", kFormat}, {"snapshot", d.snapshot}}) {
+  for (auto [key, value] :
+       {std::pair<std::string, std::string>{"format", kFormat}, {"snapshot", d.snapshot}}) {
     meta.Bind(1, key);
     meta.Bind(2, value);
     if (!meta.Run()) return false;
@@ -86,7 +87,8 @@ bool SaveTables(SqliteDb& db, const Design& d) {
   SqliteStmt blocks(db, "INSERT INTO blocks(id, name, comps, nets, ports) VALUES(?, ?, ?, ?, ?)");
   for (uint32_t b = 0; b < d.blocks.size(); ++b) {
     const BlockRec& r = d.blocks[b];
-    int64_t values[] = {b, r.name, r.compsEnd - r.compsBegin, r.netsEnd - r.netsBegin, r.portsEnd - r.portsBegin};
+    int64_t values[] = {b, r.name, r.compsEnd - r.compsBegin, r.netsEnd - r.netsBegin,
+                        r.portsEnd - r.portsBegin};
     for (int i = 0; i < 5; ++i) blocks.Bind(i + 1, values[i]);
     if (!blocks.Run()) return false;
   }
@@ -98,9 +100,9 @@ bool SaveTables(SqliteDb& db, const Design& d) {
   }
   SqliteStmt symbols(db, "INSERT INTO symbols(name, attrs) VALUES(?, ?)");
   SqliteStmt benches(db, "INSERT INTO testbenches(name, block) VALUES(?, ?)");
-  for (auto& [table, rows] : {std::pair<SqliteStmt*, const std::vector<std::pair<uint32_t, uint32_t>>*>{
-                                  &symbols, &d.symbols},
-                              {&benches, &d.testbenches}}) {
+  for (auto& [table, rows] :
+       {std::pair<SqliteStmt*, const std::vector<std::pair<uint32_t, uint32_t>>*>{&symbols, &d.symbols},
+        {&benches, &d.testbenches}}) {
     for (auto [name, value] : *rows) {
       table->Bind(1, name);
       table->Bind(2, value);
@@ -111,7 +113,8 @@ bool SaveTables(SqliteDb& db, const Design& d) {
 }
 
 bool SaveNets(SqliteDb& db, const Design& d) {
-  SqliteStmt insert(db, "INSERT INTO nets(id, block, label, global, attrs, grp, number) VALUES(?,?,?,?,?,?,?)");
+  SqliteStmt insert(db,
+                    "INSERT INTO nets(id, block, label, global, attrs, grp, number) VALUES(?,?,?,?,?,?,?)");
   for (uint32_t n = 0; n < d.nets.size(); ++n) {
     const NetRec& r = d.nets[n];
     int64_t values[] = {n, r.block, r.label, r.global, r.attrs};
@@ -124,8 +127,8 @@ bool SaveNets(SqliteDb& db, const Design& d) {
 }
 
 bool SavePorts(SqliteDb& db, const Design& d) {
-  SqliteStmt insert(db,
-                    "INSERT INTO ports(id, block, name, bus, width, connected, attrs, nets) VALUES(?,?,?,?,?,?,?,?)");
+  SqliteStmt insert(
+      db, "INSERT INTO ports(id, block, name, bus, width, connected, attrs, nets) VALUES(?,?,?,?,?,?,?,?)");
   std::vector<uint32_t> nets;
   for (uint32_t p = 0; p < d.ports.size(); ++p) {
     const PortRec& r = d.ports[p];
@@ -144,14 +147,16 @@ void PinWords(const Design& d, const CompRec& c, std::vector<uint32_t>& words) {
   for (uint32_t p = c.pinsBegin; p < c.pinsBegin + c.pinsCount; ++p) {
     const PinRec& pin = d.pins[p];
     words.insert(words.end(), {pin.name, pin.bus, pin.width, pin.connected, pin.netsCount});
-    words.insert(words.end(), d.links.begin() + pin.netsBegin, d.links.begin() + pin.netsBegin + pin.netsCount);
+    words.insert(words.end(), d.links.begin() + pin.netsBegin,
+                 d.links.begin() + pin.netsBegin + pin.netsCount);
   }
 }
 
 bool SaveComps(SqliteDb& db, const Design& d) {
-  SqliteStmt insert(db,
-                    "INSERT INTO comps(id, block, label, name, partition, type, child, inst_attrs, def_attrs, "
-                    "own_definition, grp, number, pins) VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
+  SqliteStmt insert(
+      db,
+      "INSERT INTO comps(id, block, label, name, partition, type, child, inst_attrs, def_attrs, "
+      "own_definition, grp, number, pins) VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
   std::vector<uint32_t> words;
   for (uint32_t c = 0; c < d.comps.size(); ++c) {
     const CompRec& r = d.comps[c];
@@ -174,10 +179,11 @@ bool SaveComps(SqliteDb& db, const Design& d) {
 
 bool SaveDesign(const Design& design, const std::string& file, std::string& error) {
   SqliteDb db;
-  bool ok = db.Open(file, true) && db.Exec("PRAGMA page_size=65536; PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF;") &&
+  bool ok = db.Open(file, true) &&
+            db.Exec("PRAGMA page_size=65536; PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF;") &&
             db.Exec("BEGIN") && db.Exec(kSchema) && SaveStrings(db, design) && SaveAttrLists(db, design) &&
-            SaveTables(db, design) && SaveNets(db, design) && SavePorts(db, design) && SaveComps(db, design) &&
-            db.Exec("COMMIT");
+            SaveTables(db, design) && SaveNets(db, design) && SavePorts(db, design) &&
+            SaveComps(db, design) && db.Exec("COMMIT");
   if (!ok) error = "cannot write " + file + ": " + db.Message();
   return ok;
 }

@@ -80,7 +80,8 @@ void Writer::Links(uint32_t begin, uint32_t count, uint32_t bus, uint32_t width,
     Id(bus);
   }
   if (width != (count > 0 ? count : 1)) out_ += ", \"width\": " + std::to_string(width);
-  if (connected != (count > 0 || bus != 0)) out_ += connected ? ", \"connected\": true" : ", \"connected\": false";
+  if (connected != (count > 0 || bus != 0))
+    out_ += connected ? ", \"connected\": true" : ", \"connected\": false";
 }
 
 void Writer::GroupAndNumber(uint32_t group, bool hasNumber, int32_t number) {
@@ -166,7 +167,8 @@ void Writer::Comp(const CompRec& c) {
 
 // Writes one list of a block, one entry a line.
 template <class Rec, class Fn>
-void List(std::string& out, const char* key, const std::vector<Rec>& recs, uint32_t begin, uint32_t end, Fn fn) {
+void List(std::string& out, const char* key, const std::vector<Rec>& recs, uint32_t begin, uint32_t end,
+          Fn fn) {
   out += ",\n      \"";
   out += key;
   out += "\": [";

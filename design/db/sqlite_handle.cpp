@@ -14,6 +14,8 @@ bool SqliteDb::Open(const std::string& file, bool create) {
   return sqlite3_open_v2(file.c_str(), &db_, flags, nullptr) == SQLITE_OK;
 }
 
-bool SqliteDb::Exec(const char* sql) { return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK; }
+bool SqliteDb::Exec(const char* sql) {
+  return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
 
 }  // namespace vdb

@@ -29,7 +29,9 @@ class SqliteDb {
 
 class SqliteStmt {
  public:
-  SqliteStmt(SqliteDb& db, const char* sql) { ok_ = sqlite3_prepare_v2(db.Get(), sql, -1, &stmt_, nullptr) == SQLITE_OK; }
+  SqliteStmt(SqliteDb& db, const char* sql) {
+    ok_ = sqlite3_prepare_v2(db.Get(), sql, -1, &stmt_, nullptr) == SQLITE_OK;
+  }
   ~SqliteStmt() { sqlite3_finalize(stmt_); }
   SqliteStmt(const SqliteStmt&) = delete;
   SqliteStmt& operator=(const SqliteStmt&) = delete;

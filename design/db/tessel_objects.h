@@ -15,8 +15,15 @@ using Tessel::String;
 inline const Result kInvalid = Result::Fail("invalid object");
 
 /// Index tags in the top 8 bits of the second word, so that objects of different kinds differ.
-enum IndexTag : uint32_t { kTagComp = 0, kTagNet = 1, kTagPort = 2, kTagPin = 3, kTagConfig = 4, kTagPath = 5,
-                           kTagGroup = 6 };
+enum IndexTag : uint32_t {
+  kTagComp = 0,
+  kTagNet = 1,
+  kTagPort = 2,
+  kTagPin = 3,
+  kTagConfig = 4,
+  kTagPath = 5,
+  kTagGroup = 6
+};
 inline Tessel::Index MakeIndex(uint32_t word0, uint32_t tag, uint32_t low24) {
   Tessel::Index index;
   index.word0 = word0;
@@ -227,7 +234,8 @@ class ViewObj : public Tessel::IBlockViewQor {
 class UidManagerObj : public Tessel::IUIDManager {
  public:
   explicit UidManagerObj(std::shared_ptr<const Database> db) : db_(std::move(db)) {}
-  Result GetConfig(Tessel::ContainerT<const Tessel::IConfig>& config, const Tessel::Index& index) const override;
+  Result GetConfig(Tessel::ContainerT<const Tessel::IConfig>& config,
+                   const Tessel::Index& index) const override;
   Result GetGroup(Tessel::ContainerT<const Tessel::IGroup>& group, const Tessel::Index& index) const override;
 
  private:
@@ -241,7 +249,8 @@ class SnapshotObj : public Tessel::ISnapshot {
   Result FindBlock(Tessel::ListT<Tessel::BlockInfo>& hits, const String& name,
                    const Tessel::BitContainerT<Tessel::ESearchParams, 1>& params) const override;
   Result GetBlock(Tessel::ContainerT<const Tessel::IBlock>& block, const Tessel::Index& index) const override;
-  Result GetDefaultConfig(Tessel::ContainerT<const Tessel::IConfig>& config, const String& blockName) const override;
+  Result GetDefaultConfig(Tessel::ContainerT<const Tessel::IConfig>& config,
+                          const String& blockName) const override;
 
  private:
   std::shared_ptr<const Database> db_;

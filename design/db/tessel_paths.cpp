@@ -31,7 +31,8 @@ Result PathObj::GetBlock(ContainerT<const Tessel::IBlock>& block) const {
     block = ContainerT<const Tessel::IBlock>(InvalidShared<BlockObj>());
     return kInvalid;
   }
-  block = ContainerT<const Tessel::IBlock>(std::make_shared<BlockObj>(db_, config_->Occurrences()[occ_].block));
+  block =
+      ContainerT<const Tessel::IBlock>(std::make_shared<BlockObj>(db_, config_->Occurrences()[occ_].block));
   return Result::Ok();
 }
 
@@ -79,7 +80,8 @@ Result ConfigObj::GetIterPaths(IteratorT<const Tessel::IPath>& it) const {
 Result ConfigObj::GetPath(ContainerT<const Tessel::IPath>& path, const Index& index) const {
   path = ContainerT<const Tessel::IPath>(InvalidShared<PathObj>());
   if (!db_) return kInvalid;
-  if (index.Top8() != kTagPath || index.Low24() != config_->Root() || index.word0 >= config_->Occurrences().size())
+  if (index.Top8() != kTagPath || index.Low24() != config_->Root() ||
+      index.word0 >= config_->Occurrences().size())
     return Result::Fail("no path with that index in this config");
   path = ContainerT<const Tessel::IPath>(std::make_shared<PathObj>(db_, config_, index.word0));
   return Result::Ok();
@@ -224,7 +226,8 @@ Result SnapshotObj::GetBlock(ContainerT<const Tessel::IBlock>& block, const Inde
   return Result::Ok();
 }
 
-Result SnapshotObj::GetDefaultConfig(ContainerT<const Tessel::IConfig>& config, const String& blockName) const {
+Result SnapshotObj::GetDefaultConfig(ContainerT<const Tessel::IConfig>& config,
+                                     const String& blockName) const {
   uint32_t block = 0;
   if (!db_->FindBlock(blockName.str(), block)) {
     config = ContainerT<const Tessel::IConfig>(InvalidShared<ConfigObj>());

@@ -33,8 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   SpiceComp bipolar = Comp("Q1", {{"MODEL", "QMOD"}, {"PART NUMBER", "PN1"}});
   ReadModelMapping(bipolar);
   ReadInstanceMapping(bipolar);
-  SpiceComp counter = Comp("U1", {{"SIMULATION MODEL", "VHDL"}, {"VHDL MODEL", "mylib.counter"},
-                                  {"PART NUMBER", "PN2"}});
+  SpiceComp counter =
+      Comp("U1", {{"SIMULATION MODEL", "VHDL"}, {"VHDL MODEL", "mylib.counter"}, {"PART NUMBER", "PN2"}});
   MapComponentModel(counter);
   SpiceComp mos = Comp("M1", {{"MODEL", "NMOS"}, {"PART NUMBER", "PN3"}, {"W", "1u"}});
   MapComponentModel(mos);

@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::EnterScratchFolder();
   fuzz::WriteFile("fuzz.cfg", fuzz::Text(data, size));
   CSpiceGen gen;
-  gen.configFile = "fuzz.cfg";
+  gen.options.configFile = "fuzz.cfg";
   gen.ReadConfigFile();
   return 0;
 }

@@ -3,6 +3,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "gen/dialect_of.h"
 #include "post/post_process.h"
 #include "tests/fuzz/fuzz_support.h"
 
@@ -13,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   options.wirelistKind = 1 + data[0] % 4;
   options.dracula = (data[0] & 0x08) != 0;
   options.flatten = (data[0] & 0x10) ? 0 : 1;
+  options.dialect = DialectOf(options);
   SpiceConfig config;
   config.stripUnits = (data[0] & 0x20) != 0;
   std::unordered_map<std::string, std::string> internalNames{{"x1", "$1I1"}, {"m1", "$1I2"}};

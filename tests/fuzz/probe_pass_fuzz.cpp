@@ -9,7 +9,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   PrintSettings settings;
-  settings.wirelistKind = 1 + data[0] % 4;
+  static const PrintStyle kStyles[] = {PrintStyle::kPspice, PrintStyle::kAnalysis, PrintStyle::kBerkeley};
+  settings.style = kStyles[data[0] % 3];
   settings.analogDeps = (data[0] & 0x10) != 0;
   if (data[0] & 0x20) settings.printWord = ".PRINT";
   ProbePassState state;

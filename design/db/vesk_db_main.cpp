@@ -1,6 +1,5 @@
 // vesk-db: builds a project's design database from a JSON description or a SPICE netlist, or
 // describes it back.
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -9,6 +8,7 @@
 
 #include "design/db/design_import.h"
 #include "design/platform.h"
+#include "expr/text.h"
 
 #ifndef VESK_VERSION
 #define VESK_VERSION "0.0"
@@ -53,21 +53,28 @@ int Usage() {
   return kUsageError;
 }
 
-int Import(int argc, char** argv) {
-  std::string project, snapshot, file;
+// The command line of both imports: `--project DIR`, one option `option` with a value, and the
+// file. False on anything else.
+bool ParseImportArguments(int argc, char** argv, const char* option, std::string& project, std::string& value,
+                          std::string& file) {
   for (int i = 2; i < argc; ++i) {
     bool hasValue = i + 1 < argc;
     if (!std::strcmp(argv[i], "--project") && hasValue) {
       project = argv[++i];
-    } else if (!std::strcmp(argv[i], "--snapshot") && hasValue) {
-      snapshot = argv[++i];
+    } else if (!std::strcmp(argv[i], option) && hasValue) {
+      value = argv[++i];
     } else if (file.empty() && std::strncmp(argv[i], "--", 2) != 0) {
       file = argv[i];
     } else {
-      return Usage();
+      return false;
     }
   }
-  if (file.empty()) return Usage();
+  return !file.empty();
+}
+
+int Import(int argc, char** argv) {
+  std::string project, snapshot, file;
+  if (!ParseImportArguments(argc, argv, "--snapshot", project, snapshot, file)) return Usage();
   std::string text, error;
   if (!ReadWholeFile(file, text)) {
     Report(file + ": (file): cannot read the file");
@@ -87,8 +94,7 @@ std::string TopFromFile(const std::string& file) {
   std::string stem = slash == std::string::npos ? file : file.substr(slash + 1);
   size_t dot = stem.find_last_of('.');
   if (dot != std::string::npos && dot > 0) stem.resize(dot);
-  for (char& c : stem) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return stem;
+  return UpperText(stem);
 }
 
 // vesk writes <TOP>.cir into the project folder, finding files there ignoring case: a netlist
@@ -99,31 +105,15 @@ void WarnOfDeckOverNetlist(const std::string& file, const std::string& project, 
   fs::path folder = project.empty() ? fs::path(".") : fs::path(project);
   fs::path netlistFolder = netlist.has_parent_path() ? netlist.parent_path() : fs::path(".");
   if (!fs::equivalent(folder, netlistFolder, error)) return;
-  std::string name = netlist.filename().string(), deck = top + ".cir";
-  if (name.size() != deck.size()) return;
-  for (size_t i = 0; i < name.size(); ++i)
-    if (std::tolower(static_cast<unsigned char>(name[i])) !=
-        std::tolower(static_cast<unsigned char>(deck[i])))
-      return;
+  std::string deck = top + ".cir";
+  if (!EqualsIgnoringCase(netlist.filename().string(), deck)) return;
   std::cout << "Warning: vesk writes the deck " << deck << " over the netlist " << file
             << "; keep the netlist under another name\n";
 }
 
 int ImportSpice(int argc, char** argv) {
   std::string project, top, file;
-  for (int i = 2; i < argc; ++i) {
-    bool hasValue = i + 1 < argc;
-    if (!std::strcmp(argv[i], "--project") && hasValue) {
-      project = argv[++i];
-    } else if (!std::strcmp(argv[i], "--top") && hasValue) {
-      top = argv[++i];
-    } else if (file.empty() && std::strncmp(argv[i], "--", 2) != 0) {
-      file = argv[i];
-    } else {
-      return Usage();
-    }
-  }
-  if (file.empty()) return Usage();
+  if (!ParseImportArguments(argc, argv, "--top", project, top, file)) return Usage();
   if (top.empty()) top = TopFromFile(file);
   std::string text, error, written;
   if (!ReadWholeFile(file, text)) {

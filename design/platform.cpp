@@ -103,11 +103,11 @@ bool FileExists(const std::string& path) {
 
 bool PathExists(const std::string& path) { return Exists(FileSystemPath(path)); }
 
-void MakeFolder(const std::string& path) {
-  if (path.empty()) return;
+bool MakeFolder(const std::string& path) {
+  if (path.empty()) return false;
   const std::string fsPath = FileSystemPath(path);
   // No folder outside the places files may be written; the file's write reports it.
-  if (WritableLocation(fsPath)) ::mkdir(fsPath.c_str(), 0777);
+  return WritableLocation(fsPath) && ::mkdir(fsPath.c_str(), 0777) == 0;
 }
 
 bool ReadWholeFile(const std::string& path, std::string& text) {
@@ -285,6 +285,10 @@ void ReplacingFile::Fail(const char* reason) {
 }
 
 void HoldWorkingFolder() {
+  // Once a process: a second lock through another descriptor would wait for the first.
+  static bool held = false;
+  if (held) return;
+  held = true;
   // The descriptor stays open on purpose: the lock goes with the process.
   int folder = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder >= 0) ::flock(folder, LOCK_EX);

@@ -25,8 +25,8 @@ bool FileExists(const std::string& path);
 /// True when a file or folder exists at `path`.
 bool PathExists(const std::string& path);
 
-/// Creates one folder; an existing one or a failure is no error.
-void MakeFolder(const std::string& path);
+/// Creates one folder; an existing one or a failure is no error. True when it made one.
+bool MakeFolder(const std::string& path);
 
 /// Reads a whole file; false when it does not open.
 bool ReadWholeFile(const std::string& path, std::string& text);

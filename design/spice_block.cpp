@@ -296,12 +296,13 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
   (*pinNodes)[PinNodeKey(instance)] += pinsText;
 }
 
-void SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp) {
+bool SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, FlatComponentSink* sink) {
   SpiceComp flat;
   flat.LoadFlat(comp, options, *naming, *pinNodes, &gatheredAttributes);
-  // A global net that only sub-blocks hold has its one name in the flat deck too.
-  for (const PinEntry& pin : flat.PinNets())
-    if (pin.net.IsGlobal() && pin.net.Name() == pin.net.Label() && !IsGroundName(options, pin.net.Label()))
-      nodeMap[pin.net.Name()] = GlobalNode(pin.net.Label());
+  // A sink's taker places the global names itself, in its own node table.
+  if (sink) return sink->Take(std::move(flat));
+  ForEachSubBlockGlobal(flat,
+                        [this](const std::string& name, const std::string& node) { nodeMap[name] = node; });
   comps.push_back(std::move(flat));
+  return true;
 }

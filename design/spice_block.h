@@ -27,6 +27,15 @@ struct NetProbe {
   std::string node;
 };
 
+/// Takes the components of a flat walk one at a time, as the walk loads them, instead of the
+/// root block's list: a generator can write each one while the walk goes on.
+class FlatComponentSink {
+ public:
+  virtual ~FlatComponentSink() = default;
+  /// Takes `comp`; false ends the walk early (the taker has stopped).
+  virtual bool Take(SpiceComp&& comp) = 0;
+};
+
 class SpiceBlock {
  public:
   SpiceBlock() = default;
@@ -39,7 +48,17 @@ class SpiceBlock {
   void Load(Tessel::ContainerT<const Tessel::IBlock>& block, Tessel::ContainerT<const Tessel::IPath>& path,
             WireOptions options, std::string instancePath, bool byPath);
   void AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp);
-  void AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp);
+  /// Loads one component of the flat walk into the list, or hands it to `sink` when there is
+  /// one (false when the sink has stopped).
+  bool AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, FlatComponentSink* sink = nullptr);
+  /// A global net that only sub-blocks hold has its one name in the flat deck too: calls
+  /// `place(flatName, node)` for each pin of `comp` on such a net.
+  template <class Place>
+  void ForEachSubBlockGlobal(const SpiceComp& comp, Place place) {
+    for (const PinEntry& pin : comp.PinNets())
+      if (pin.net.IsGlobal() && pin.net.Name() == pin.net.Label() && !IsGroundName(options, pin.net.Label()))
+        place(pin.net.Name(), GlobalNode(pin.net.Label()));
+  }
 
   std::string Name() const { return name; }
   std::vector<SpiceComp>& Comps() { return comps; }

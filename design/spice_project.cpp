@@ -186,26 +186,31 @@ void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& i
   currentInstancePath.resize(pathLength);
 }
 
-void SpiceProject::WalkFlat(Tessel::ContainerT<const Tessel::IBlock>, std::string name) {
+void SpiceProject::WalkFlat(Tessel::ContainerT<const Tessel::IBlock>, std::string name,
+                            FlatComponentSink* sink) {
   if (snapshot.Empty()) return;
   Tessel::ContainerT<const Tessel::IConfig> config;
   snapshot->GetDefaultConfig(config, name);
   if (config.Empty()) return;
   Tessel::IteratorT<const Tessel::IComp> it;
   config->GetIterComps(it);
-  // Counted first so that the component list is allocated once at its full size: growing a
-  // list of a million components by doubling would hold one and a half lists at the last step.
-  size_t occurrences = 0;
-  for (Tessel::IteratorT<const Tessel::IComp> count(it); count->IsValid(); count++) ++occurrences;
-  rootBlock.comps.reserve(rootBlock.comps.size() + occurrences);
-  for (; it->IsValid(); it++) VisitOccurrence(it);
+  if (!sink) {
+    // Counted first so that the component list is allocated once at its full size: growing a
+    // list of a million components by doubling would hold one and a half lists at the last step.
+    size_t occurrences = 0;
+    for (Tessel::IteratorT<const Tessel::IComp> count(it); count->IsValid(); count++) ++occurrences;
+    rootBlock.comps.reserve(rootBlock.comps.size() + occurrences);
+  }
+  for (; it->IsValid(); it++)
+    if (!VisitOccurrence(it, sink)) return;
 }
 
-void SpiceProject::VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence) {
+bool SpiceProject::VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence,
+                                   FlatComponentSink* sink) {
   const Tessel::IComp& comp = *occurrence.operator->();
   Tessel::BitContainerT<Tessel::ECompType, 1> type;
   comp.GetType(type);
-  if (!skippedIndex.empty() && skippedIndex.count(ParentBlockName(comp))) return;
+  if (!skippedIndex.empty() && skippedIndex.count(ParentBlockName(comp))) return true;
   if (type & Tessel::eCompHierarchical) {
     if (options.HasLevel(ReadLevel(comp))) {
       // A stopped instance leaves out its block's contents wherever they occur.
@@ -213,12 +218,13 @@ void SpiceProject::VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>&
       comp.GetChildBlock(child);
       std::string childName = NameOf(child);
       if (skippedIndex.insert(childName).second) skippedBlocks->push_back(childName);
-      return;
+      return true;
     }
     rootBlock.AddFlatInstance(occurrence);
-    return;
+    return true;
   }
-  if (type & Tessel::eCompPrimitive) rootBlock.AddFlatComp(occurrence);
+  if (type & Tessel::eCompPrimitive) return rootBlock.AddFlatComp(occurrence, sink);
+  return true;
 }
 
 void MakeRelativeToProject(std::string& path) {

@@ -23,7 +23,10 @@ class SpiceProject {
   SpiceBlock& FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
                        std::string& rootPath);
   void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
-  void WalkFlat(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
+  /// The flat walk: every primitive below the root, into the root's component list or, with a
+  /// sink, handed to the sink one at a time (the root's list stays empty).
+  void WalkFlat(Tessel::ContainerT<const Tessel::IBlock> block, std::string name,
+                FlatComponentSink* sink = nullptr);
 
   /// Drops what only the walk needs once it is done: every handle into the database and the
   /// instance names given out. The generators write from the walked blocks alone, and a
@@ -55,7 +58,8 @@ class SpiceProject {
 
  private:
   void VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance, const std::string& name);
-  void VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence);
+  /// False when a sink has stopped taking components.
+  bool VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence, FlatComponentSink* sink);
 };
 
 /// Rewrites `path` relative to the project folder (CURRENT_PROJECT_PATH or the working

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "design/platform.h"
+#include "gen/component_pipe.h"
 #include "gen/probe_text.h"
 
 void CSpiceGen::CopyOptionsFrom(const WireOptions& from) {
@@ -34,12 +35,14 @@ std::string CSpiceGen::CircuitPathOf(SpiceProject& project) const {
   return base + "." + options.circuitExtension;
 }
 
-void MakeDeckFolders(const std::string& circuitPath) {
+std::vector<std::string> MakeDeckFolders(const std::string& circuitPath) {
   // Only the two folder levels in front of the file are created, outer one first.
   const std::string inner = FolderOf(circuitPath);
   const std::string outer = FolderOf(inner);
-  if (!outer.empty()) MakeFolder(outer);
-  if (!inner.empty()) MakeFolder(inner);
+  std::vector<std::string> made;
+  for (const std::string& folder : {outer, inner})
+    if (!folder.empty() && MakeFolder(folder)) made.push_back(folder);
+  return made;
 }
 
 void CSpiceGen::OpenWirelist(SpiceProject& project, std::ostream& deck) {
@@ -97,14 +100,36 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
 }
 
 void CSpiceGen::WriteComponents(SpiceBlock& block) {
-  for (SpiceComp& comp : block.Comps()) {
-    if (comp.RefName().empty()) {
-      std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
-      std::cout << note;
-      out << note;
-      continue;
+  if (streamedComponents) {
+    WriteStreamedComponents(block);
+    return;
+  }
+  for (SpiceComp& comp : block.Comps()) WriteComponent(comp);
+}
+
+void CSpiceGen::WriteComponent(SpiceComp& comp) {
+  if (comp.RefName().empty()) {
+    std::string note = "*Note : Skipping Component " + comp.Label() + "\n";
+    std::cout << note;
+    out << note;
+    return;
+  }
+  EmitComponent(comp);
+}
+
+void CSpiceGen::WriteStreamedComponents(SpiceBlock& root) {
+  std::vector<SpiceComp> batch;
+  while (streamedComponents->Next(batch)) {
+    for (SpiceComp& comp : batch) {
+      // A walk that ends before the deck is written gives these names to the table before the
+      // first line; here they come with their component, which is the same deck as long as no
+      // earlier line took the name for another node.
+      root.ForEachSubBlockGlobal(comp, [this](const std::string& name, const std::string& node) {
+        auto [entry, added] = walk.nodes.try_emplace(name, node);
+        if (!added && entry->second != node) throw GlobalNameCameLate();
+      });
+      WriteComponent(comp);
     }
-    EmitComponent(comp);
   }
 }
 

@@ -27,6 +27,12 @@
 #include "post/spice_config.h"
 
 class SpiceReader;
+class ComponentPipe;
+
+/// Thrown while a flat deck is written during its walk, when a global net's name reaches the
+/// node table after a line already took that name for another node: a deck written after
+/// the whole walk would differ, so the run starts over that way.
+struct GlobalNameCameLate {};
 
 /// Exit statuses of the program. A run that writes its deck ends with 0 whatever the design's
 /// warnings; a run that cannot write one says why, so that a script can tell the cases apart.
@@ -66,6 +72,13 @@ class CSpiceGen {
   // ---- run/load_project.cpp ----
   /// True when the design was loaded; otherwise `loadFailure` says why, as an exit status.
   bool LoadProject(std::string group, SpiceProject& project, WireOptions options);
+  /// The first half of LoadProject: opens the database and loads the root block into `block`.
+  bool OpenDesign(const std::string& group, SpiceProject& project, const WireOptions& options,
+                  Tessel::ContainerT<const Tessel::IBlock>& block);
+  /// The second half: walks the design below `block`; a flat walk hands its components to
+  /// `sink` when there is one.
+  bool WalkDesign(const std::string& group, SpiceProject& project,
+                  Tessel::ContainerT<const Tessel::IBlock>& block, FlatComponentSink* sink);
 
   // ---- gen/spice_gen.cpp: frame of a run ----
   void SetDatabaseName(std::string) { databaseName = "database"; }
@@ -83,6 +96,13 @@ class CSpiceGen {
   void BeginBlock(SpiceBlock& block);
   /// The component loop of a block, a line for every component.
   void WriteComponents(SpiceBlock& block);
+  /// One component's line, or the note that it has no name.
+  void WriteComponent(SpiceComp& comp);
+  /// The root's component loop over the components that `streamedComponents` hands over
+  /// while the walk goes on; throws GlobalNameCameLate (see there).
+  void WriteStreamedComponents(SpiceBlock& root);
+  /// Set for a flat run whose walk goes on while the deck is written (run/streamed_run.h).
+  ComponentPipe* streamedComponents = nullptr;
   /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
   void WriteDefinitionBody(SpiceBlock& block, const char* endText);
   void AddNote(std::string line) { notes.push_back(std::move(line)); }
@@ -177,5 +197,6 @@ class CSpiceGen {
   bool groundSeen = false;
 };
 
-/// Makes the two folder levels in front of the deck at `circuitPath`, outer one first.
-void MakeDeckFolders(const std::string& circuitPath);
+/// Makes the two folder levels in front of the deck at `circuitPath`, outer one first;
+/// returns those it made.
+std::vector<std::string> MakeDeckFolders(const std::string& circuitPath);

@@ -120,60 +120,45 @@ void AppendParameterWord(std::string& result, std::string_view word, bool& needs
   result += ' ';
 }
 
-// The line loop. It works one line behind its reading: a line is rewritten once the
-// next one is known, so that a line ahead of an empty line, and the last line, go
-// through as they stand.
-class PostPass {
- public:
-  PostPass(PostSettings& settings, size_t sizeHint) : settings_(settings) {
-    output_.reserve(sizeHint + sizeHint / 8 + 64);
-    elements_ = UpperText(settings.config.elements);
-  }
+}  // namespace
 
-  void Read(std::string_view rawLine) {
-    std::string read = Trim(rawLine);
-    if (read.empty()) {
-      FoldLine(output_, pending_, true, settings_);
-      pending_.clear();
-      return;
-    }
-    RewritePending();
-    pending_.swap(read);
-  }
+PostPass::PostPass(PostSettings& settings, size_t sizeHint) : settings_(settings) {
+  output_.reserve(sizeHint + sizeHint / 8 + 64);
+  elements_ = UpperText(settings.config.elements);
+}
 
-  std::string Finish() {
+void PostPass::Read(std::string_view rawLine) {
+  std::string read = Trim(rawLine);
+  if (read.empty()) {
     FoldLine(output_, pending_, true, settings_);
-    return std::move(output_);
+    pending_.clear();
+    return;
   }
+  RewritePending();
+  pending_.swap(read);
+}
 
- private:
-  void BeginStatement() {
-    letter_ = pending_.substr(0, 1);
-    widthAndLength_.clear();
-    needsParams_ = true;
-    settings_.currentInstance.clear();
-  }
+std::string PostPass::Finish() {
+  FoldLine(output_, pending_, true, settings_);
+  pending_.clear();
+  return std::move(output_);
+}
 
-  // COMMANDS keeps the dot commands it names (a plain text search), ELEMENTS the element
-  // letters it names; a list beginning with "ALL" keeps everything.
-  bool IsDropped(const std::string& firstWord) const {
-    const std::string& commands = settings_.config.commands;
-    if (letter_ == ".") return !StartsWith(commands, "ALL") && commands.find(firstWord) == std::string::npos;
-    bool elementLetter = letter_.size() == 1 && std::isupper(static_cast<unsigned char>(letter_[0]));
-    return elementLetter && !StartsWith(elements_, "ALL") && elements_.find(letter_[0]) == std::string::npos;
-  }
+void PostPass::BeginStatement() {
+  letter_ = pending_.substr(0, 1);
+  widthAndLength_.clear();
+  needsParams_ = true;
+  settings_.currentInstance.clear();
+}
 
-  void RewritePending();
-  void RewriteStatement(const std::string& firstWord);
-
-  PostSettings& settings_;
-  std::string output_;
-  std::string pending_;
-  std::string letter_;
-  std::string widthAndLength_;
-  std::string elements_;  // upper case
-  bool needsParams_ = false;
-};
+// COMMANDS keeps the dot commands it names (a plain text search), ELEMENTS the element
+// letters it names; a list beginning with "ALL" keeps everything.
+bool PostPass::IsDropped(const std::string& firstWord) const {
+  const std::string& commands = settings_.config.commands;
+  if (letter_ == ".") return !StartsWith(commands, "ALL") && commands.find(firstWord) == std::string::npos;
+  bool elementLetter = letter_.size() == 1 && std::isupper(static_cast<unsigned char>(letter_[0]));
+  return elementLetter && !StartsWith(elements_, "ALL") && elements_.find(letter_[0]) == std::string::npos;
+}
 
 void PostPass::RewritePending() {
   CloseUpEquals(pending_);
@@ -213,8 +198,6 @@ void PostPass::RewriteStatement(const std::string& firstWord) {
   }
   output_ += tail;
 }
-
-}  // namespace
 
 void ReadStripWords(SpiceConfig& config) {
   for (const std::string& word : WordsWithEnd(config.stripWords)) {

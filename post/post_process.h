@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "post/post_settings.h"
 
@@ -20,6 +21,34 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
 
 /// Appends `line` to `output`; under -__ a long line is folded at blanks into "+" lines.
 void FoldLine(std::string& output, const std::string& line, bool first, const PostSettings& settings);
+
+/// The line loop of the pass. It works one line behind its reading: a line is rewritten once
+/// the next one is known, so that a line ahead of an empty line, and the last line, go through
+/// as they stand. Lines may come from a whole deck or one at a time as a generator writes them.
+class PostPass {
+ public:
+  PostPass(PostSettings& settings, size_t sizeHint);
+  /// One line of the deck, without its line end.
+  void Read(std::string_view rawLine);
+  /// The text rewritten so far; a caller that streams it on may take it out and empty it.
+  std::string& Output() { return output_; }
+  /// Rewrites the line held back and returns the rest of the text.
+  std::string Finish();
+
+ private:
+  void BeginStatement();
+  bool IsDropped(const std::string& firstWord) const;
+  void RewritePending();
+  void RewriteStatement(const std::string& firstWord);
+
+  PostSettings& settings_;
+  std::string output_;
+  std::string pending_;
+  std::string letter_;
+  std::string widthAndLength_;
+  std::string elements_;  // upper case
+  bool needsParams_ = false;
+};
 
 /// Runs the pass over the text of a deck and returns the new text.
 std::string PostProcessText(const std::string& text, PostSettings& settings);

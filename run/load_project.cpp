@@ -5,30 +5,47 @@
 #include "gen/spice_gen.h"
 #include "model/model_mapping.h"
 
-bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOptions options) {
+bool CSpiceGen::OpenDesign(const std::string& group, SpiceProject& project, const WireOptions& options,
+                           Tessel::ContainerT<const Tessel::IBlock>& block) {
   try {
     loadFailure = kExitNoDatabase;
     if (!project.Open(databaseName)) return false;
     project.SetOptions(options);
     project.modelMapper = &MapComponentModel;
     project.naming = &SpiceDeckNaming();
-    Tessel::ContainerT<const Tessel::IBlock> block;
-    project.FindRoot(group, block, options.rootPath);
+    std::string rootPath = options.rootPath;
+    project.FindRoot(group, block, rootPath);
     loadFailure = kExitNoGroup;
     if (!block.IsValid()) return false;
+    loadFailure = kExitDeckWritten;
+    return true;
+  } catch (...) {
+    // A failure inside the database means that no design was loaded: the database could not
+    // be read as a design.
+    loadFailure = kExitNoDatabase;
+    return false;
+  }
+}
+
+bool CSpiceGen::WalkDesign(const std::string& group, SpiceProject& project,
+                           Tessel::ContainerT<const Tessel::IBlock>& block, FlatComponentSink* sink) {
+  try {
     loadFailure = kExitNoDatabase;
     // The definitions hang below the block itself, whatever name (a test bench's) found it.
     Tessel::String rootName;
     block->GetName(rootName);
-    if (options.flatten == 0)
+    if (project.options.flatten == 0)
       project.WalkHierarchy(block, rootName.str());
     else
-      project.WalkFlat(block, group);
+      project.WalkFlat(block, group, sink);
     loadFailure = kExitDeckWritten;
     return true;
   } catch (...) {
-    // A failure inside the database or a walk means that no design was loaded: the database
-    // could not be read as a design.
     return false;
   }
+}
+
+bool CSpiceGen::LoadProject(std::string group, SpiceProject& project, WireOptions options) {
+  Tessel::ContainerT<const Tessel::IBlock> block;
+  return OpenDesign(group, project, options, block) && WalkDesign(group, project, block, nullptr);
 }

@@ -11,6 +11,7 @@
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
 #include "model/model_files.h"
+#include "run/streamed_run.h"
 
 #ifndef VESK_VERSION
 #define VESK_VERSION "0.0"
@@ -18,9 +19,10 @@
 
 namespace {
 
-// One run of the flavour `Flavour`; returns the exit code.
+// One run of the flavour `Flavour` in the classic order: the whole walk, the configuration,
+// the deck, then the passes over the written deck; returns the exit code.
 template <class Flavour>
-int RunFlavour(const WireOptions& options, const std::string& group) {
+int RunClassic(const WireOptions& options, const std::string& group) {
   Flavour gen(options);
   auto project = std::make_unique<SpiceProject>();
   gen.SetDatabaseName(group);
@@ -46,6 +48,16 @@ int RunFlavour(const WireOptions& options, const std::string& group) {
   gen.ProbeProcess();
   gen.PostProcess();
   return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
+}
+
+// One run of the flavour `Flavour`: a flat deck is written during its walk when it can be.
+template <class Flavour>
+int RunFlavour(const WireOptions& options, const std::string& group) {
+  if (MayStream(options)) {
+    const int code = RunStreamed<Flavour>(options, group);
+    if (code != kRunClassically) return code;
+  }
+  return RunClassic<Flavour>(options, group);
 }
 
 int RunAll(int argc, const char* const* argv) {

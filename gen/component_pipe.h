@@ -1,0 +1,43 @@
+// ComponentPipe: the components of a flat walk handed from the walk's thread to the
+// generator's, in batches, so that reading the design and writing the deck overlap.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <vector>
+
+#include "design/spice_block.h"
+
+/// The walk waits while the pipe holds kBatches full batches, so only a few thousand
+/// components are ever held at once, however large the design.
+class ComponentPipe : public FlatComponentSink {
+ public:
+  static constexpr size_t kBatchSize = 512;
+  static constexpr size_t kBatches = 8;
+
+  // ---- the walk's side ----
+  /// False once the generator has stopped reading.
+  bool Take(SpiceComp&& comp) override;
+  /// No more components come: the walk has ended, well or not.
+  void Close();
+
+  // ---- the generator's side ----
+  /// Fills `batch` with the next components in walk order; false when the walk has ended and
+  /// every component has been handed over. The components `batch` held before are dropped.
+  bool Next(std::vector<SpiceComp>& batch);
+  /// The generator reads no more: a walk waiting on a full pipe goes on and ends.
+  void Stop();
+
+ private:
+  void Send();
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<std::vector<SpiceComp>> full_;
+  std::vector<std::vector<SpiceComp>> spare_;  // emptied batches, kept for their room
+  std::vector<SpiceComp> filling_;             // the walk's side only
+  bool closed_ = false;
+  bool stopped_ = false;
+};

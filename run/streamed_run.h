@@ -1,0 +1,105 @@
+// RunStreamed: a flat deck written while the walk of the design goes on, on a second thread,
+// with the post-process pass run on the text as it is written. The deck and the console are
+// those of the classic run (walk, configuration, deck, passes); a run that cannot promise
+// that returns kRunClassically before it has printed or written anything.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "design/platform.h"
+#include "design/spice_project.h"
+#include "gen/component_pipe.h"
+#include "gen/spice_gen.h"
+#include "model/model_files.h"
+#include "post/post_process.h"
+#include "post/post_stream.h"
+#include "run/console_capture.h"
+
+/// RunStreamed's answer when the run must be done the classic way.
+constexpr int kRunClassically = -1;
+
+/// Whether RunStreamed may take the run: a flat deck of a flavour whose walk keeps to itself
+/// (not Kelpo: its walk maps models and writes parameter files that its generator and passes
+/// read), without -x (the classic run writes that file only after a walk that succeeded).
+bool MayStream(const WireOptions& options);
+
+/// Removes the folders a run made for a deck it did not write (inner one first).
+void RemoveMadeFolders(const std::vector<std::string>& made);
+
+template <class Flavour>
+int RunStreamed(const WireOptions& options, const std::string& group) {
+  // The console is held back and printed at the end in the classic order: root block,
+  // (walk,) configuration, deck and passes.
+  ConsoleCapture console;
+  Flavour gen(options);
+  gen.SetDatabaseName(group);
+  // The configuration comes first here: its NAME pairs change node names from the first line.
+  const bool configRead = gen.ReadConfigFile() == 0;
+  const std::string configText = console.Take();
+  if (!configRead || !gen.config.nameMap.empty()) return kRunClassically;
+
+  auto project = std::make_unique<SpiceProject>();
+  Tessel::ContainerT<const Tessel::IBlock> block;
+  const bool opened = gen.OpenDesign(group, *project, options, block);
+  const std::string rootText = console.Take();
+  if (!opened) {
+    console.Print(rootText);
+    return gen.loadFailure;
+  }
+  HoldWorkingFolder();
+  const std::string path = gen.CircuitPathOf(*project);
+  const std::vector<std::string> madeFolders = MakeDeckFolders(path);
+  auto deck = std::make_unique<DeckFile>();
+  deck->Open(FileSystemPath(path));
+
+  // The walk's thread hands each component over as soon as it is loaded; it prints nothing.
+  ComponentPipe pipe;
+  bool walked = false;
+  std::thread walker([&] {
+    walked = gen.WalkDesign(group, *project, block, &pipe);
+    pipe.Close();
+  });
+  struct Joiner {
+    ComponentPipe& pipe;
+    std::thread& thread;
+    ~Joiner() {
+      pipe.Stop();
+      if (thread.joinable()) thread.join();
+    }
+  } joiner{pipe, walker};
+
+  // The post pass reads its own copy of the configuration: it sets the strip flags, which the
+  // generator must not see while it writes.
+  SpiceConfig postConfig = gen.config;
+  ReadStripWords(postConfig);
+  std::string postInstance;
+  PostSettings settings{gen.options, postConfig, gen.internalNames, postInstance};
+  PostProcessStream postStream(settings, *deck);
+  gen.streamedComponents = &pipe;
+  try {
+    gen.Run(*project, postStream);
+  } catch (const GlobalNameCameLate&) {
+    return kRunClassically;
+  } catch (...) {
+    console.Print(rootText + configText + console.Take());
+    throw;
+  }
+  postStream.Finish();
+  walker.join();
+  if (!walked) {
+    // The classic run stops before the deck: no deck, no folders made for it.
+    deck.reset();
+    RemoveMadeFolders(madeFolders);
+    console.Print(rootText);
+    return gen.loadFailure;
+  }
+  project->ReleaseWalkState();
+  project.reset();
+  const bool written = deck->Commit();
+  console.Print(rootText + configText + console.Take());
+  if (!written) return kExitWriteFailed;
+  return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
+}

@@ -76,18 +76,21 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
   SpiceConfig postConfig = gen.config;
   ReadStripWords(postConfig);
   std::string postInstance;
-  PostSettings settings{gen.options, postConfig, gen.internalNames, postInstance};
-  PostProcessStream postStream(settings, *deck);
+  // The components of a flat walk have no internal names, so the generator's table of them
+  // stays empty; the pass, on its own thread, reads an empty table of its own.
+  const std::unordered_map<std::string, std::string> noInternalNames;
+  PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
+  ThreadedPostStream postStream(settings, *deck);
   gen.streamedComponents = &pipe;
   try {
     gen.Run(*project, postStream);
+    postStream.Finish();
   } catch (const GlobalNameCameLate&) {
     return kRunClassically;
   } catch (...) {
     console.Print(rootText + configText + console.Take());
     throw;
   }
-  postStream.Finish();
   walker.join();
   if (!walked) {
     // The classic run stops before the deck: no deck, no folders made for it.

@@ -131,6 +131,13 @@ SpiceBlock& SpiceBlock::operator=(const SpiceBlock& other) {
 void SpiceBlock::Load(Tessel::ContainerT<const Tessel::IBlock>& blockHandle,
                       Tessel::ContainerT<const Tessel::IPath>& path, WireOptions blockOptions,
                       std::string blockInstancePath, bool byPath) {
+  LoadComponents(blockHandle, path, std::move(blockOptions), std::move(blockInstancePath), byPath);
+  ScanNodes();
+}
+
+void SpiceBlock::LoadComponents(Tessel::ContainerT<const Tessel::IBlock>& blockHandle,
+                                Tessel::ContainerT<const Tessel::IPath>& path, WireOptions blockOptions,
+                                std::string blockInstancePath, bool byPath) {
   netAliases.clear();
   block = blockHandle;
   name.clear();
@@ -143,10 +150,14 @@ void SpiceBlock::Load(Tessel::ContainerT<const Tessel::IBlock>& blockHandle,
   if (block.Empty()) return;
   ScanShunts(block);
   if (!options.flatten) CollectComponents(path, byPath);
-  ScanPorts();
   Tessel::String blockName;
   block->GetName(blockName);
   name = StripBlockPrefix(blockName.str());
+}
+
+void SpiceBlock::ScanNodes() {
+  if (block.Empty()) return;
+  ScanPorts();
   ScanNets();
   nextNode = options.nextNodeNumber;
 }

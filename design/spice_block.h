@@ -47,6 +47,13 @@ class SpiceBlock {
 
   void Load(Tessel::ContainerT<const Tessel::IBlock>& block, Tessel::ContainerT<const Tessel::IPath>& path,
             WireOptions options, std::string instancePath, bool byPath);
+  /// Load in two steps, for a flat walk that starts before the nodes are scanned: the
+  /// shunts and (hierarchical) components, then the ports and nets into the node tables.
+  /// The second step writes nothing the flat walk reads.
+  void LoadComponents(Tessel::ContainerT<const Tessel::IBlock>& block,
+                      Tessel::ContainerT<const Tessel::IPath>& path, WireOptions options,
+                      std::string instancePath, bool byPath);
+  void ScanNodes();
   void AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp);
   /// Loads one component of the flat walk into the list, or hands it to `sink` when there is
   /// one (false when the sink has stopped).

@@ -114,7 +114,7 @@ void SpiceProject::ReleaseWalkState() {
 void SpiceProject::SetOptions(WireOptions newOptions) { options = std::move(newOptions); }
 
 SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
-                                   std::string& rootPath) {
+                                   std::string& rootPath, bool scanNodes) {
   std::string path = rootPath;
   ReplaceAll(path, '/', '\\');
   size_t last = path.rfind('\\');
@@ -140,9 +140,14 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   rootBlock.tables = &tables;
   rootBlock.modelMapper = modelMapper;
   rootBlock.naming = naming;
-  rootBlock.Load(block, rootOccurrence, options, "", byPath);
-  options.inventedNodes = rootBlock.options.inventedNodes;
+  rootBlock.LoadComponents(block, rootOccurrence, options, "", byPath);
+  if (scanNodes) ScanRootNodes();
   return rootBlock;
+}
+
+void SpiceProject::ScanRootNodes() {
+  rootBlock.ScanNodes();
+  options.inventedNodes = rootBlock.options.inventedNodes;
 }
 
 void SpiceProject::WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name) {

@@ -20,8 +20,11 @@ class SpiceProject {
 
   bool Open(std::string location);
   void SetOptions(WireOptions options);
+  /// Finds the root block and loads it; without `scanNodes` its ports and nets are left for
+  /// ScanRootNodes, which may then run beside a flat walk.
   SpiceBlock& FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
-                       std::string& rootPath);
+                       std::string& rootPath, bool scanNodes = true);
+  void ScanRootNodes();
   void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
   /// The flat walk: every primitive below the root, into the root's component list or, with a
   /// sink, handed to the sink one at a time (the root's list stays empty).

@@ -72,9 +72,10 @@ class CSpiceGen {
   // ---- run/load_project.cpp ----
   /// True when the design was loaded; otherwise `loadFailure` says why, as an exit status.
   bool LoadProject(std::string group, SpiceProject& project, WireOptions options);
-  /// The first half of LoadProject: opens the database and loads the root block into `block`.
+  /// The first half of LoadProject: opens the database and loads the root block into `block`
+  /// (its nodes only with `scanRootNodes`; see SpiceProject::FindRoot).
   bool OpenDesign(const std::string& group, SpiceProject& project, const WireOptions& options,
-                  Tessel::ContainerT<const Tessel::IBlock>& block);
+                  Tessel::ContainerT<const Tessel::IBlock>& block, bool scanRootNodes = true);
   /// The second half: walks the design below `block`; a flat walk hands its components to
   /// `sink` when there is one.
   bool WalkDesign(const std::string& group, SpiceProject& project,

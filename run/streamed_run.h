@@ -43,18 +43,13 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
 
   auto project = std::make_unique<SpiceProject>();
   Tessel::ContainerT<const Tessel::IBlock> block;
-  const bool opened = gen.OpenDesign(group, *project, options, block);
+  // The root's nets are scanned below, while the walk already runs.
+  const bool opened = gen.OpenDesign(group, *project, options, block, false);
   const std::string rootText = console.Take();
   if (!opened) {
     console.Print(rootText);
     return gen.loadFailure;
   }
-  HoldWorkingFolder();
-  const std::string path = gen.CircuitPathOf(*project);
-  const std::vector<std::string> madeFolders = MakeDeckFolders(path);
-  auto deck = std::make_unique<DeckFile>();
-  deck->Open(FileSystemPath(path));
-
   // The walk's thread hands each component over as soon as it is loaded; it prints nothing.
   ComponentPipe pipe;
   bool walked = false;
@@ -71,6 +66,22 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     }
   } joiner{pipe, walker};
 
+  HoldWorkingFolder();
+  const std::string path = gen.CircuitPathOf(*project);
+  const std::vector<std::string> madeFolders = MakeDeckFolders(path);
+  auto deck = std::make_unique<DeckFile>();
+  deck->Open(FileSystemPath(path));
+
+  // What the root's ports and nets give the node tables is first read when the generator
+  // begins the root block; the walk reads none of it.
+  bool scanned = true;
+  try {
+    project->ScanRootNodes();
+  } catch (...) {
+    scanned = false;
+    pipe.Stop();
+  }
+
   // The post pass reads its own copy of the configuration: it sets the strip flags, which the
   // generator must not see while it writes.
   SpiceConfig postConfig = gen.config;
@@ -83,7 +94,7 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
   ThreadedPostStream postStream(settings, *deck);
   gen.streamedComponents = &pipe;
   try {
-    gen.Run(*project, postStream);
+    if (scanned) gen.Run(*project, postStream);
     postStream.Finish();
   } catch (const GlobalNameCameLate&) {
     return kRunClassically;
@@ -92,12 +103,12 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     throw;
   }
   walker.join();
-  if (!walked) {
+  if (!walked || !scanned) {
     // The classic run stops before the deck: no deck, no folders made for it.
     deck.reset();
     RemoveMadeFolders(madeFolders);
     console.Print(rootText);
-    return gen.loadFailure;
+    return kExitNoDatabase;
   }
   project->ReleaseWalkState();
   project.reset();

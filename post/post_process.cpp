@@ -234,15 +234,32 @@ void ReadStripWords(SpiceConfig& config) {
   }
 }
 
+// True when every word of `line` goes through AppendParameterWord unchanged: no parameter,
+// no PARAMS: or OPTIONAL: keyword, no word that a Dracula deck drops; and the words stand
+// one blank apart with none at either end, so the rewrite only adds the blanks behind.
+bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settings) {
+  if (line.empty() || line.front() == ' ' || line.back() == ' ') return false;
+  if (line.find('=') != std::string::npos || line.find("  ") != std::string::npos) return false;
+  if (line.find("PARAMS:") != std::string::npos || line.find("OPTIONAL:") != std::string::npos) return false;
+  return !(settings.options.dialect.dracula && settings.config.noSlash && line.find('/') != std::string::npos);
+}
+
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
   std::string result;
-  result.reserve(line.size() + 16);
-  bool first = true;
-  ForEachWordWithEnd(line, [&](std::string_view word) {
-    if (first && settings.currentInstance.empty()) settings.currentInstance = word;
-    first = false;
-    AppendParameterWord(result, word, needsParams, settings);
-  });
+  if (KeepsEveryParameterWord(line, settings)) {
+    if (settings.currentInstance.empty()) settings.currentInstance = line.substr(0, line.find(' '));
+    // Each word with its blank, then the blank of the end word.
+    result.reserve(line.size() + 2);
+    result.append(line).append("  ");
+  } else {
+    result.reserve(line.size() + 16);
+    bool first = true;
+    ForEachWordWithEnd(line, [&](std::string_view word) {
+      if (first && settings.currentInstance.empty()) settings.currentInstance = word;
+      first = false;
+      AppendParameterWord(result, word, needsParams, settings);
+    });
+  }
   std::string tail;
   const std::string& instance = settings.currentInstance;
   if (StartsWith(instance, "X") || StartsWith(instance, "x")) {

@@ -39,8 +39,8 @@ class WordReader {
 // A stored index or count: an integer that fits below kNone. Anything else (text, a real, a value
 // that a cast to 32 bits would wrap) marks the file as damaged rather than naming another object.
 bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
-  if (!query.IsInteger(col)) return false;
-  int64_t value = query.Int(col);
+  int64_t value = 0;
+  if (query.TypedInt(col, value) != SQLITE_INTEGER) return false;
   if (value < 0 || value >= kNone) return false;
   id = static_cast<uint32_t>(value);
   return true;
@@ -49,13 +49,13 @@ bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
 // An index that may be absent (NULL): kNone then. Each column is asked its type once: a million
 // rows make every call to SQLite count.
 bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
-  int type = query.Type(col);
+  int64_t value = 0;
+  int type = query.TypedInt(col, value);
   if (type == SQLITE_NULL) {
     id = kNone;
     return true;
   }
   if (type != SQLITE_INTEGER) return false;
-  int64_t value = query.Int(col);
   if (value < 0 || value >= kNone) return false;
   id = static_cast<uint32_t>(value);
   return true;
@@ -63,12 +63,12 @@ bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
 
 // A signed number stored in 32 bits, or NULL when `present` may be false.
 bool ReadNumber(const SqliteStmt& query, int col, int32_t& number, uint8_t& present) {
-  int type = query.Type(col);
+  int64_t value = 0;
+  int type = query.TypedInt(col, value);
   present = type != SQLITE_NULL;
   number = 0;
   if (!present) return true;
   if (type != SQLITE_INTEGER) return false;
-  int64_t value = query.Int(col);
   if (value < INT32_MIN || value > INT32_MAX) return false;
   number = static_cast<int32_t>(value);
   return true;
@@ -281,9 +281,8 @@ bool LoadComps(SqliteDb& db, Design& d) {
     c.block = static_cast<uint32_t>(block);
     c.ownDefinition = query.Int(9) != 0;
     // Type bits are any 32-bit value, all ones included.
-    if (!query.IsInteger(5)) return false;
-    int64_t type = query.Int(5);
-    if (type < 0 || type > UINT32_MAX) return false;
+    int64_t type = 0;
+    if (query.TypedInt(5, type) != SQLITE_INTEGER || type < 0 || type > UINT32_MAX) return false;
     c.type = static_cast<uint32_t>(type);
     if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
         !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) ||

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <system_error>
+#include <thread>
 
 #include "design/db/design_store.h"
 #include "design/db/sqlite_handle.h"
@@ -153,7 +155,7 @@ bool LoadBlocks(SqliteDb& db, Design& d) {
   // Pins are not counted ahead; two a component (each on one net) is the common case, and a
   // guess that is wrong only costs the growth that would have happened anyway.
   d.pins.reserve(std::min(2 * comps, kMaxReserve));
-  d.links.reserve(std::min(2 * comps, kMaxReserve));
+  d.links.reserve(std::min(2 * comps, kMaxReserve));  // the pins' links; the ports' come behind them
   return query.Finished();
 }
 
@@ -213,16 +215,18 @@ bool LoadNets(SqliteDb& db, Design& d) {
   return query.Finished();
 }
 
-bool ReadLinks(WordReader& reader, uint32_t count, Design& d) {
+bool ReadLinks(WordReader& reader, uint32_t count, std::vector<uint32_t>& links) {
   for (uint32_t i = 0; i < count; ++i) {
     uint32_t net = 0;
     if (!reader.Word(net)) return false;
-    d.links.push_back(net);
+    links.push_back(net);
   }
   return true;
 }
 
-bool LoadPorts(SqliteDb& db, Design& d) {
+// The ports' links go into `links`, numbered from its start; the caller moves them behind the
+// pins' links, which another thread may be filling meanwhile.
+bool LoadPorts(SqliteDb& db, Design& d, std::vector<uint32_t>& links) {
   SqliteStmt query(db, "SELECT id, block, name, bus, width, connected, attrs, nets FROM ports ORDER BY id");
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.ports.size());
@@ -239,9 +243,9 @@ bool LoadPorts(SqliteDb& db, Design& d) {
     const unsigned char* blob = query.Blob(7, size);  // sets `size`, so it must come first
     if (size % 4 != 0) return false;
     WordReader reader(blob, size);
-    p.netsBegin = static_cast<uint32_t>(d.links.size());
+    p.netsBegin = static_cast<uint32_t>(links.size());
     p.netsCount = static_cast<uint32_t>(size / 4);
-    if (!ReadLinks(reader, p.netsCount, d)) return false;
+    if (!ReadLinks(reader, p.netsCount, links)) return false;
     d.ports.push_back(p);
   }
   return query.Finished();
@@ -258,7 +262,7 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
     pin.connected = connected != 0;
     pin.netsCount = count;
     pin.netsBegin = static_cast<uint32_t>(d.links.size());
-    if (!ReadLinks(reader, pin.netsCount, d)) return false;
+    if (!ReadLinks(reader, pin.netsCount, d.links)) return false;
     d.pins.push_back(pin);
   }
   if (d.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return false;
@@ -323,6 +327,31 @@ bool SizeMatchesHeader(const std::string& file, std::string& error) {
   return false;
 }
 
+// One table read of the load: whether it worked, and SQLite's message when it did not,
+// taken at once, before the connection's next call replaces it.
+struct TableRead {
+  bool ok = true;
+  std::string message;
+  bool Run(SqliteDb& db, bool (*load)(SqliteDb&, Design&), Design& design) {
+    ok = load(db, design);
+    if (!ok) message = db.Message();
+    return ok;
+  }
+};
+
+// The components and their pins, on a connection of their own: they are the largest table,
+// and the other tables are read meanwhile. They fill only comps, pins and links; the blocks
+// they are checked against are read before and no longer change.
+void ReadComponents(const std::string& file, Design& design, TableRead& read) {
+  SqliteDb db;
+  if (!db.Open(file, false)) {
+    read.ok = false;
+    read.message = db.Message();
+    return;
+  }
+  read.Run(db, LoadComps, design);
+}
+
 }  // namespace
 
 bool LoadDesign(const std::string& file, Design& design, std::string& error) {
@@ -333,15 +362,43 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
     return false;
   }
   // Read through SQLite's small page cache rather than a mapping of the whole file, which would
-  // count the file once more in the memory of the run while the tables are copied out.
-  bool ok = LoadMeta(db, design) && LoadStrings(db, design) && LoadAttrLists(db, design) &&
-            LoadBlocks(db, design) && LoadSmallTables(db, design) && LoadNets(db, design) &&
-            LoadPorts(db, design) && LoadComps(db, design);
-  if (!ok) {
-    std::string message = db.Message();
+  // count the file once more in the memory of the run while the tables are copied out. The
+  // tables are taken in this order; the first that fails is the one reported.
+  enum { kMeta, kStrings, kAttrs, kBlocks, kSmall, kNets, kPorts, kComps, kTables };
+  TableRead reads[kTables];
+  // The blocks are read ahead of their turn: the components need them, and they need nothing
+  // but their own table. The components are then read on a second thread.
+  const bool metaOk = reads[kMeta].Run(db, LoadMeta, design);
+  const bool blocksOk = metaOk && reads[kBlocks].Run(db, LoadBlocks, design);
+  std::thread components;
+  if (blocksOk) {
+    try {
+      components = std::thread(ReadComponents, std::cref(file), std::ref(design), std::ref(reads[kComps]));
+    } catch (const std::system_error&) {
+      // No second thread: the components are read behind the other tables.
+    }
+  }
+  std::vector<uint32_t> portLinks;
+  bool ok = metaOk && reads[kStrings].Run(db, LoadStrings, design) && reads[kAttrs].Run(db, LoadAttrLists, design) &&
+            blocksOk && reads[kSmall].Run(db, LoadSmallTables, design) && reads[kNets].Run(db, LoadNets, design);
+  if (ok && !LoadPorts(db, design, portLinks)) {
+    reads[kPorts].ok = ok = false;
+    reads[kPorts].message = db.Message();
+  }
+  if (components.joinable())
+    components.join();
+  else if (ok)
+    ReadComponents(file, design, reads[kComps]);
+  for (const TableRead& read : reads) {
+    if (read.ok) continue;
+    const std::string& message = read.message;
     error = message.empty() || message == "not an error" ? "not a design database of this program" : message;
     return false;
   }
+  // The ports' links stand behind the pins'.
+  const uint32_t pinLinks = static_cast<uint32_t>(design.links.size());
+  for (PortRec& port : design.ports) port.netsBegin += pinLinks;
+  design.links.insert(design.links.end(), portLinks.begin(), portLinks.end());
   design.strings.ReleaseIndex();
   // Their sizes were not known ahead: give back what the growth left over, as the design
   // stays in memory for the whole walk.

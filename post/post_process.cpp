@@ -201,10 +201,11 @@ void PostPass::RewritePending() {
 
 void PostPass::RewriteStatement(std::string_view firstWord) {
   std::string tail;
-  if (letter_ == "M" || letter_ == "B" || (letter_ == "Q" && settings_.options.dialect.dracula)) {
+  const char letter = letter_.size() == 1 ? letter_[0] : '\0';
+  if (letter == 'M' || letter == 'B' || (letter == 'Q' && settings_.options.dialect.dracula)) {
     RewriteDeviceCard(pending_, widthAndLength_, settings_);
   }
-  if (letter_ == "X" || StartsWith(firstWord, ".MACRO")) {
+  if (letter == 'X' || StartsWith(firstWord, ".MACRO")) {
     tail = RewriteParameterWords(pending_, needsParams_, settings_);
   }
   if (StartsWith(firstWord, ".SUBCKT")) RewriteParameterWords(pending_, needsParams_, settings_);
@@ -235,13 +236,17 @@ void ReadStripWords(SpiceConfig& config) {
 }
 
 // True when every word of `line` goes through AppendParameterWord unchanged: no parameter,
-// no PARAMS: or OPTIONAL: keyword, no word that a Dracula deck drops; and the words stand
+// no keyword (any ":" counts as one), no word that a Dracula deck drops; and the words stand
 // one blank apart with none at either end, so the rewrite only adds the blanks behind.
 bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settings) {
   if (line.empty() || line.front() == ' ' || line.back() == ' ') return false;
-  if (line.find('=') != std::string::npos || line.find("  ") != std::string::npos) return false;
-  if (line.find("PARAMS:") != std::string::npos || line.find("OPTIONAL:") != std::string::npos) return false;
-  return !(settings.options.dialect.dracula && settings.config.noSlash && line.find('/') != std::string::npos);
+  const bool slashDropped = settings.options.dialect.dracula && settings.config.noSlash;
+  // One look at each character; the last is no blank, so a blank has a successor.
+  for (size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (c == '=' || c == ':' || (c == ' ' && line[i + 1] == ' ') || (c == '/' && slashDropped)) return false;
+  }
+  return true;
 }
 
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {

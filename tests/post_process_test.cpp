@@ -60,7 +60,7 @@ TEST_F(PostProcess, LinesLeftAloneAndLinesRewritten) {
       {"R1 A=B 1\nR2 A==B 1\n*.END", "\nR1 A={B} 1\nR2 A={=B} 1\n*.END\n"},
       {"X1 A B SUB\nX2  A   B SUB\nX3 A B SUB \t\n*.END", "\nX1 A B SUB\nX2 A B SUB\nX3 A B SUB\n*.END\n"},
       {"X1 A B SUB PARAMS:\nX2 A B SUB W=1\n*.END", "\nX1 A B SUB PARAMS:\nX2 A B SUB PARAMS: W=1\n*.END\n"},
-      {"X1 A\tB SUB\nX2 A/B SUB\n*.END", "\nX1 A\tB SUB\nX2 A/B SUB\n*.END\n"},
+      {"X1 A\tB SUB\nX2 A/B SUB\nX3 A B SUB:1\n*.END", "\nX1 A\tB SUB\nX2 A/B SUB\nX3 A B SUB:1\n*.END\n"},
       {"V1 A 0 DC 5\nV2 A 0 DC 5 \n*.END", "\nV1 A 0 DC 5\nV2 A 0 DC 5\n*.END\n"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(Pass(text), expected) << text;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <system_error>
 #include <thread>
@@ -352,6 +353,18 @@ void ReadComponents(const std::string& file, Design& design, TableRead& read) {
   read.Run(db, LoadComps, design);
 }
 
+// ReadComponents on its own thread: what it throws (memory running out) is kept and thrown
+// again on the caller's thread once the thread has ended.
+void ReadComponentsKeepingFailure(const std::string& file, Design& design, TableRead& read,
+                                  std::exception_ptr& failure) {
+  try {
+    ReadComponents(file, design, read);
+  } catch (...) {
+    read.ok = false;
+    failure = std::current_exception();
+  }
+}
+
 }  // namespace
 
 bool LoadDesign(const std::string& file, Design& design, std::string& error) {
@@ -371,13 +384,22 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
   const bool metaOk = reads[kMeta].Run(db, LoadMeta, design);
   const bool blocksOk = metaOk && reads[kBlocks].Run(db, LoadBlocks, design);
   std::thread components;
+  std::exception_ptr componentsFailure;
   if (blocksOk) {
     try {
-      components = std::thread(ReadComponents, std::cref(file), std::ref(design), std::ref(reads[kComps]));
+      components = std::thread(ReadComponentsKeepingFailure, std::cref(file), std::ref(design),
+                               std::ref(reads[kComps]), std::ref(componentsFailure));
     } catch (const std::system_error&) {
       // No second thread: the components are read behind the other tables.
     }
   }
+  // The thread must end before anything leaves this function, a throw included.
+  struct Joiner {
+    std::thread& thread;
+    ~Joiner() {
+      if (thread.joinable()) thread.join();
+    }
+  } joiner{components};
   std::vector<uint32_t> portLinks;
   bool ok = metaOk && reads[kStrings].Run(db, LoadStrings, design) && reads[kAttrs].Run(db, LoadAttrLists, design) &&
             blocksOk && reads[kSmall].Run(db, LoadSmallTables, design) && reads[kNets].Run(db, LoadNets, design);
@@ -385,10 +407,12 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
     reads[kPorts].ok = ok = false;
     reads[kPorts].message = db.Message();
   }
-  if (components.joinable())
+  if (components.joinable()) {
     components.join();
-  else if (ok)
+    if (componentsFailure) std::rethrow_exception(componentsFailure);
+  } else if (ok) {
     ReadComponents(file, design, reads[kComps]);
+  }
   for (const TableRead& read : reads) {
     if (read.ok) continue;
     const std::string& message = read.message;

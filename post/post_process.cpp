@@ -194,7 +194,9 @@ void PostPass::RewritePending() {
     return;
   }
   for (char& c : letter_) c = UpperChar(c);
-  pending_ = CollapseQuotedBlanks(std::move(pending_));
+  // The values whose blanks are closed up stand behind "='" or "={": a line without "=" has
+  // none, and is not copied to find that out.
+  if (pending_.find('=') != std::string::npos) pending_ = CollapseQuotedBlanks(std::move(pending_));
   if (IsDropped(firstWord)) return;
   RewriteStatement(firstWord);
 }

@@ -360,6 +360,12 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
                      const std::string& blockPath, const NetAliasTable& aliases, ModelMapper mapper,
                      const DeckNaming& naming, GatheredAttributesCache* gathered) {
+  if (LoadAllButPins(compIter, options, blockPath, mapper, naming, gathered)) LoadPins(*compIter.operator->(), aliases);
+}
+
+bool SpiceComp::LoadAllButPins(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
+                               const std::string& blockPath, ModelMapper mapper, const DeckNaming& naming,
+                               GatheredAttributesCache* gathered) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -379,12 +385,13 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
   const std::string& exclude = attrs.Get("EXCLUDE");
   if (EqualsIgnoringCase(exclude, "yes") || EqualsIgnoringCase(exclude, "shunt")) {
     excluded = true;
-    return;
+    return false;
   }
+  // The model mapping comes first: the pins read the model's pin list.
   if (options.dialect.hdlModels && mapper) mapper(*this);
-  LoadPins(comp, aliases);
   DecideKind(comp, options);
   FormDeckName(options, naming);
+  return true;
 }
 
 void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,

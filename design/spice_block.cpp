@@ -1,9 +1,15 @@
 // SpiceBlock: loading one block: shunts, components, ports and nets into node tables.
 #include "design/spice_block.h"
 
+#include <sys/mman.h>
+
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <system_error>
+#include <thread>
 #include <unordered_map>
 
 #include "expr/text.h"
@@ -11,6 +17,22 @@
 namespace {
 
 const std::string kEmpty;
+
+// A block of a hundred thousand components fills tens of megabytes of records, each page
+// touched first as a component is loaded: asked for large pages, the range faults in a few
+// hundred steps instead of ten thousand. Only whole large pages inside the range are asked for.
+void AdviseLargePages(const void* data, size_t bytes) {
+#ifdef MADV_HUGEPAGE
+  constexpr uintptr_t kLargePage = uintptr_t{2} << 20;
+  const uintptr_t start = reinterpret_cast<uintptr_t>(data);
+  const uintptr_t begin = (start + kLargePage - 1) & ~(kLargePage - 1);
+  const uintptr_t end = (start + bytes) & ~(kLargePage - 1);
+  if (end > begin) ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#else
+  (void)data;
+  (void)bytes;
+#endif
+}
 
 const std::string& Peek(const NodeTable& table, const std::string& key) {
   auto it = table.find(key);
@@ -95,6 +117,40 @@ void JoinShunt(const Tessel::IComp& comp, ShuntSets& sets) {
   // A pin without a net has nothing to join.
   if (first.empty() || second.empty()) return;
   sets.Join(first, second);
+}
+
+// Components of the types a block load takes: hierarchical instances and primitives.
+bool IsLoadedComp(const Tessel::IComp& comp) {
+  Tessel::BitContainerT<Tessel::ECompType, 1> type;
+  comp.GetType(type);
+  return (type & Tessel::eCompHierarchical) || (type & Tessel::eCompPrimitive);
+}
+
+// From this many components on, a block's pins are read in two halves at once, the second
+// half on a thread of its own: a pin reads only the design and its own component.
+constexpr size_t kPinsInTwoHalves = 8192;
+
+// Reads the pins of the `count` components of `comps` from `first` on, walking `it` from the
+// first of them over the same components that the load took.
+void LoadPinsOf(Tessel::IteratorT<const Tessel::IComp> it, std::vector<SpiceComp>& comps, size_t first,
+                size_t count, const NetAliasTable& aliases) {
+  for (size_t index = first; index < first + count && it->IsValid(); it++) {
+    const Tessel::IComp& comp = *it.operator->();
+    if (!IsLoadedComp(comp)) continue;
+    SpiceComp& loaded = comps[index++];
+    if (!loaded.excluded) loaded.LoadPins(comp, aliases);
+  }
+}
+
+// LoadPinsOf on a thread of its own: what it throws is kept for the caller's thread.
+void LoadPinsKeepingFailure(const Tessel::IteratorT<const Tessel::IComp>& it, std::vector<SpiceComp>& comps,
+                            size_t first, size_t count, const NetAliasTable& aliases,
+                            std::exception_ptr& failure) {
+  try {
+    LoadPinsOf(it, comps, first, count, aliases);
+  } catch (...) {
+    failure = std::current_exception();
+  }
 }
 
 }  // namespace
@@ -190,15 +246,49 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
   size_t count = 0;
   for (Tessel::IteratorT<const Tessel::IComp> counter = compIter; counter->IsValid(); counter++) ++count;
   comps.reserve(comps.size() + count);
+  AdviseLargePages(comps.data() + comps.size(), (comps.capacity() - comps.size()) * sizeof(SpiceComp));
+  // Names, attributes and deck names first, in order (the deck names depend on it); the pins
+  // after, from the two places of the walk kept here.
+  const size_t first = comps.size();
+  const size_t firstHalf = count / 2;
+  const Tessel::IteratorT<const Tessel::IComp> start = compIter;
+  Tessel::IteratorT<const Tessel::IComp> secondHalf;
+  bool halves = false;
   for (; compIter->IsValid(); compIter++) {
-    Tessel::BitContainerT<Tessel::ECompType, 1> type;
-    compIter->GetType(type);
-    if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
+    if (!IsLoadedComp(*compIter.operator->())) continue;
+    if (!halves && count >= kPinsInTwoHalves && comps.size() - first == firstHalf) {
+      secondHalf = compIter;
+      halves = true;
+    }
     SpiceComp& comp = comps.emplace_back();
     comp.uidManager = uidManager;
-    comp.Load(compIter, options, instancePath, netAliases, modelMapper, *naming, &gatheredAttributes);
+    comp.LoadAllButPins(compIter, options, instancePath, modelMapper, *naming, &gatheredAttributes);
   }
   gatheredAttributes = GatheredAttributesCache();
+
+  const size_t loaded = comps.size() - first;
+  std::thread second;
+  std::exception_ptr secondFailure;
+  if (halves) {
+    try {
+      second = std::thread(LoadPinsKeepingFailure, std::cref(secondHalf), std::ref(comps), first + firstHalf,
+                           loaded - firstHalf, std::cref(netAliases), std::ref(secondFailure));
+    } catch (const std::system_error&) {
+      // No second thread: all pins are read here.
+    }
+  }
+  // The thread must end before anything leaves this function, a throw included.
+  struct Joiner {
+    std::thread& thread;
+    ~Joiner() {
+      if (thread.joinable()) thread.join();
+    }
+  } joiner{second};
+  LoadPinsOf(start, comps, first, second.joinable() ? firstHalf : loaded, netAliases);
+  if (second.joinable()) {
+    second.join();
+    if (secondFailure) std::rethrow_exception(secondFailure);
+  }
 }
 
 void SpiceBlock::ScanPorts() {
@@ -242,7 +332,7 @@ void SpiceBlock::ScanNets() {
 }
 
 void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
-  std::string n = net.name;
+  const std::string& n = net.name;
   const std::string& lb = net.label;
   const auto& attributes = net.NetAttributes();
   auto attribute = [&attributes](const char* key) -> const std::string& {

@@ -68,7 +68,11 @@ const AttributeList* InternList(AttributeList list) {
 
 }  // namespace
 
-AttributeTable::AttributeTable() : list_(InternList(AttributeList())) {}
+AttributeTable::AttributeTable() {
+  // Every component starts with the empty list: it is looked up once.
+  static const AttributeList* const kEmptyList = InternList(AttributeList());
+  list_ = kEmptyList;
+}
 
 const std::string& AttributeTable::Get(std::string_view upperKey) const {
   auto it = std::lower_bound(list_->begin(), list_->end(), upperKey, KeyBefore);
@@ -126,12 +130,12 @@ std::string SpiceComp::QualifiedName() const {
 }
 
 bool SpiceComp::IsHdlModel() const {
-  std::string model = attrs.Get("SIMULATION MODEL");
-  if (model.empty()) model = attrs.Get("SIMMODEL");
+  const std::string* model = &attrs.Get("SIMULATION MODEL");
+  if (model->empty()) model = &attrs.Get("SIMMODEL");
   const std::string& prefix = attrs.Get("PREFIX");
   if (EqualsIgnoringCase(prefix, "Y") || EqualsIgnoringCase(prefix, "Y?")) return true;
-  return EqualsIgnoringCase(model, "VHDL") || EqualsIgnoringCase(model, "VHDL-AMS") ||
-         EqualsIgnoringCase(model, "verilog") || EqualsIgnoringCase(model, "veriloga");
+  return EqualsIgnoringCase(*model, "VHDL") || EqualsIgnoringCase(*model, "VHDL-AMS") ||
+         EqualsIgnoringCase(*model, "verilog") || EqualsIgnoringCase(*model, "veriloga");
 }
 
 const ModelData& SpiceComp::Model() const { return model ? *model : kNoModel; }
@@ -356,6 +360,12 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
                      const std::string& blockPath, const NetAliasTable& aliases, ModelMapper mapper,
                      const DeckNaming& naming, GatheredAttributesCache* gathered) {
+  if (LoadAllButPins(compIter, options, blockPath, mapper, naming, gathered)) LoadPins(*compIter.operator->(), aliases);
+}
+
+bool SpiceComp::LoadAllButPins(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
+                               const std::string& blockPath, ModelMapper mapper, const DeckNaming& naming,
+                               GatheredAttributesCache* gathered) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();
@@ -372,15 +382,16 @@ void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, con
   label = text.str();
   GatherAttributesOnce(comp, gathered);
 
-  std::string exclude = attrs.Get("EXCLUDE");
+  const std::string& exclude = attrs.Get("EXCLUDE");
   if (EqualsIgnoringCase(exclude, "yes") || EqualsIgnoringCase(exclude, "shunt")) {
     excluded = true;
-    return;
+    return false;
   }
+  // The model mapping comes first: the pins read the model's pin list.
   if (options.dialect.hdlModels && mapper) mapper(*this);
-  LoadPins(comp, aliases);
   DecideKind(comp, options);
   FormDeckName(options, naming);
+  return true;
 }
 
 void SpiceComp::LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,

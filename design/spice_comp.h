@@ -110,6 +110,11 @@ class SpiceComp {
   void Load(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
             const std::string& instancePath, const NetAliasTable& aliases, ModelMapper mapper,
             const DeckNaming& naming, GatheredAttributesCache* gathered = nullptr);
+  /// Load without the pins: nothing else of the load reads them, so LoadPins may follow later,
+  /// on another thread. False when the component is excluded, which then takes no pins.
+  bool LoadAllButPins(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,
+                      const std::string& instancePath, ModelMapper mapper, const DeckNaming& naming,
+                      GatheredAttributesCache* gathered = nullptr);
   /// Flat load: attributes, flat pins through the pin-node table, kind, deck name.
   /// `gathered` (may be null) keeps the attributes of each list already read.
   void LoadFlat(const Tessel::IteratorT<const Tessel::IComp>& comp, const WireOptions& options,

@@ -125,8 +125,12 @@ void CSpiceGen::WriteStreamedComponents(SpiceBlock& root) {
       // first line; here they come with their component, which is the same deck as long as no
       // earlier line took the name for another node.
       root.ForEachSubBlockGlobal(comp, [this](const std::string& name, const std::string& node) {
-        auto [entry, added] = walk.nodes.try_emplace(name, node);
-        if (!added && entry->second != node) throw GlobalNameCameLate();
+        // An empty entry is no node yet: no line has taken the name.
+        std::string& slot = walk.nodes.try_emplace(name).first->second;
+        if (slot.empty())
+          slot = node;
+        else if (slot != node)
+          throw GlobalNameCameLate();
       });
       WriteComponent(comp);
     }

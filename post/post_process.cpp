@@ -28,7 +28,16 @@ bool IsElementLetter(const std::string& letter) {
 // Closes up the blanks around "=" in one pass: none stays in front of "=", behind "=",
 // or behind "={", however many there are.
 void CloseUpEquals(std::string& line) {
-  if (line.find('=') == std::string::npos) return;
+  // Most lines have no blank beside an "=" (a blank behind "={" is one behind "=" or
+  // ahead of "{" behind it): those stay as they are without a copy.
+  size_t equals = line.find('=');
+  if (equals == std::string::npos) return;
+  bool blankBeside = false;
+  for (; equals != std::string::npos && !blankBeside; equals = line.find('=', equals + 1)) {
+    blankBeside = (equals > 0 && line[equals - 1] == ' ') || (equals + 1 < line.size() && line[equals + 1] == ' ') ||
+                  (equals + 2 < line.size() && line[equals + 1] == '{' && line[equals + 2] == ' ');
+  }
+  if (!blankBeside) return;
   std::string result;
   result.reserve(line.size());
   for (char c : line) {
@@ -43,15 +52,16 @@ void CloseUpEquals(std::string& line) {
   line.swap(result);
 }
 
+// Runs of blanks become one blank, in place.
 void ReduceBlanks(std::string& line) {
-  if (line.find("  ") == std::string::npos) return;
-  std::string result;
-  result.reserve(line.size());
-  for (char c : line) {
-    if (c == ' ' && !result.empty() && result.back() == ' ') continue;
-    result += c;
+  size_t run = line.find("  ");
+  if (run == std::string::npos) return;
+  size_t kept = run + 1;
+  for (size_t at = run + 1; at < line.size(); ++at) {
+    if (line[at] == ' ' && line[kept - 1] == ' ') continue;
+    line[kept++] = line[at];
   }
-  line.swap(result);
+  line.resize(kept);
 }
 
 // Where a folded line is cut: at a blank in column 77, else behind the last blank ahead
@@ -128,14 +138,14 @@ PostPass::PostPass(PostSettings& settings, size_t sizeHint) : settings_(settings
 }
 
 void PostPass::Read(std::string_view rawLine) {
-  std::string read = Trim(rawLine);
+  std::string_view read = TrimView(rawLine);
   if (read.empty()) {
     FoldLine(output_, pending_, true, settings_);
     pending_.clear();
     return;
   }
   RewritePending();
-  pending_.swap(read);
+  pending_.assign(read.data(), read.size());
 }
 
 std::string PostPass::Finish() {
@@ -145,7 +155,7 @@ std::string PostPass::Finish() {
 }
 
 void PostPass::BeginStatement() {
-  letter_ = pending_.substr(0, 1);
+  letter_.assign(pending_, 0, 1);
   widthAndLength_.clear();
   needsParams_ = true;
   settings_.currentInstance.clear();
@@ -153,7 +163,7 @@ void PostPass::BeginStatement() {
 
 // COMMANDS keeps the dot commands it names (a plain text search), ELEMENTS the element
 // letters it names; a list beginning with "ALL" keeps everything.
-bool PostPass::IsDropped(const std::string& firstWord) const {
+bool PostPass::IsDropped(std::string_view firstWord) const {
   const std::string& commands = settings_.config.commands;
   if (letter_ == ".") return !StartsWith(commands, "ALL") && commands.find(firstWord) == std::string::npos;
   bool elementLetter = letter_.size() == 1 && std::isupper(static_cast<unsigned char>(letter_[0]));
@@ -162,24 +172,27 @@ bool PostPass::IsDropped(const std::string& firstWord) const {
 
 void PostPass::RewritePending() {
   CloseUpEquals(pending_);
-  std::string firstWord = FirstWord(pending_);
+  const std::string firstWord = FirstWord(pending_);
   if (!StartsWith(pending_, "+")) BeginStatement();
   if (firstWord == settings_.config.stripComs) {
     if (!settings_.config.stripComments) FoldLine(output_, pending_, true, settings_);
     return;
   }
-  letter_ = UpperText(letter_);
-  pending_ = CollapseQuotedBlanks(std::move(pending_));
+  for (char& c : letter_) c = UpperChar(c);
+  // The values whose blanks are closed up stand behind "='" or "={": a line without "=" has
+  // none, and is not copied to find that out.
+  if (pending_.find('=') != std::string::npos) pending_ = CollapseQuotedBlanks(std::move(pending_));
   if (IsDropped(firstWord)) return;
   RewriteStatement(firstWord);
 }
 
-void PostPass::RewriteStatement(const std::string& firstWord) {
+void PostPass::RewriteStatement(std::string_view firstWord) {
   std::string tail;
-  if (letter_ == "M" || letter_ == "B" || (letter_ == "Q" && settings_.options.dialect.dracula)) {
+  const char letter = letter_.size() == 1 ? letter_[0] : '\0';
+  if (letter == 'M' || letter == 'B' || (letter == 'Q' && settings_.options.dialect.dracula)) {
     RewriteDeviceCard(pending_, widthAndLength_, settings_);
   }
-  if (letter_ == "X" || StartsWith(firstWord, ".MACRO")) {
+  if (letter == 'X' || StartsWith(firstWord, ".MACRO")) {
     tail = RewriteParameterWords(pending_, needsParams_, settings_);
   }
   if (StartsWith(firstWord, ".SUBCKT")) RewriteParameterWords(pending_, needsParams_, settings_);
@@ -207,15 +220,36 @@ void ReadStripWords(SpiceConfig& config) {
   }
 }
 
+// True when every word of `line` goes through AppendParameterWord unchanged: no parameter,
+// no keyword (any ":" counts as one), no word that a Dracula deck drops; and the words stand
+// one blank apart with none at either end, so the rewrite only adds the blanks behind.
+bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settings) {
+  if (line.empty() || line.front() == ' ' || line.back() == ' ') return false;
+  const bool slashDropped = settings.options.dialect.dracula && settings.config.noSlash;
+  // One look at each character; the last is no blank, so a blank has a successor.
+  for (size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (c == '=' || c == ':' || (c == ' ' && line[i + 1] == ' ') || (c == '/' && slashDropped)) return false;
+  }
+  return true;
+}
+
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
   std::string result;
-  result.reserve(line.size() + 16);
-  bool first = true;
-  ForEachWordWithEnd(line, [&](std::string_view word) {
-    if (first && settings.currentInstance.empty()) settings.currentInstance = word;
-    first = false;
-    AppendParameterWord(result, word, needsParams, settings);
-  });
+  if (KeepsEveryParameterWord(line, settings)) {
+    if (settings.currentInstance.empty()) settings.currentInstance = line.substr(0, line.find(' '));
+    // Each word with its blank, then the blank of the end word.
+    result.reserve(line.size() + 2);
+    result.append(line).append("  ");
+  } else {
+    result.reserve(line.size() + 16);
+    bool first = true;
+    ForEachWordWithEnd(line, [&](std::string_view word) {
+      if (first && settings.currentInstance.empty()) settings.currentInstance = word;
+      first = false;
+      AppendParameterWord(result, word, needsParams, settings);
+    });
+  }
   std::string tail;
   const std::string& instance = settings.currentInstance;
   if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
@@ -244,6 +278,21 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
   if (quoting && !dracula && settings.options.dialect.pspiceQuotesAlways) {
     settings.config.quoteOpen = kPspiceQuoteOpen;
     settings.config.quoteClose = kPspiceQuoteClose;
+  }
+  if (!dracula && (!quoting || line.find('=') == std::string::npos)) {
+    // Every word stays as it is: the words, one blank behind each, and one more for the
+    // end of the line. Blanks are single here, so only the ends change.
+    size_t begin = !line.empty() && line[0] == ' ' ? 1 : 0;
+    size_t end = line.size();
+    if (end > begin && line[end - 1] == ' ') --end;
+    if (begin == end) {
+      line = " ";
+      return;
+    }
+    line.erase(end);
+    line.erase(0, begin);
+    line += "  ";
+    return;
   }
   ForEachWordWithEnd(line, [&](std::string_view view) {
     if (dracula || (quoting && view.find('=') != std::string_view::npos)) {

@@ -37,9 +37,9 @@ class PostPass {
 
  private:
   void BeginStatement();
-  bool IsDropped(const std::string& firstWord) const;
+  bool IsDropped(std::string_view firstWord) const;
   void RewritePending();
-  void RewriteStatement(const std::string& firstWord);
+  void RewriteStatement(std::string_view firstWord);
 
   PostSettings& settings_;
   std::string output_;

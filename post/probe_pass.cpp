@@ -3,7 +3,6 @@
 #include "post/probe_pass.h"
 
 #include <cctype>
-#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -188,9 +187,8 @@ class ProbePass {
 
   // The next line of the file: lines read ahead and handed back come first.
   bool Next(std::string& line) {
-    if (queued_.empty()) return reader_.Read(line);
-    line = std::move(queued_.front());
-    queued_.pop_front();
+    if (queuedCount_ == 0) return reader_.Read(line);
+    line.swap(queued_[--queuedCount_]);
     return true;
   }
 
@@ -204,7 +202,7 @@ class ProbePass {
   // Joins continuation lines onto `line`; they stay in the file as they were. A blank
   // line read here is dropped, and so is a comment line inside a model card.
   void Join(std::string& line) {
-    std::string ahead;
+    std::string& ahead = ahead_;
     while (true) {
       if (!Next(ahead) || ahead.empty()) return;
       const bool model = StartsWith(line, ".model");
@@ -216,7 +214,7 @@ class ProbePass {
         continue;
       }
       if (model && IsCommentLine(ahead) && CommentsInsideCard()) continue;
-      queued_.push_front(std::move(ahead));
+      HandBack(ahead);
       return;
     }
   }
@@ -238,12 +236,19 @@ class ProbePass {
       more = Next(after);
     }
     if (more && !after.empty() && after[0] == '+') {
-      queued_.push_front(std::move(after));
+      HandBack(after);
       return true;
     }
-    if (more) queued_.push_front(std::move(after));
-    for (auto it = held.rbegin(); it != held.rend(); ++it) queued_.push_front(std::move(*it));
+    if (more) HandBack(after);
+    for (auto it = held.rbegin(); it != held.rend(); ++it) HandBack(*it);
     return false;
+  }
+
+  // A line read ahead goes back to be read next, ahead of any handed back before it. The
+  // texts are swapped, not moved, so that no line's room is freed and found again.
+  void HandBack(std::string& line) {
+    if (queuedCount_ == queued_.size()) queued_.emplace_back();
+    queued_[queuedCount_++].swap(line);
   }
 
   void Act(const std::string& line) {
@@ -322,7 +327,12 @@ class ProbePass {
   ProbePassState& state_;
   const PrintSettings& settings_;
   std::string output_;
-  std::deque<std::string> queued_;  // lines read ahead, to be taken before the file's next
+  // Lines read ahead, to be taken before the file's next: the first queuedCount_ entries,
+  // the last one first. Nearly every line goes through here once, so the entries stay and
+  // keep their room.
+  std::vector<std::string> queued_;
+  size_t queuedCount_ = 0;
+  std::string ahead_;  // the look-ahead line of Join
   bool pendingCurrent_ = false;
   std::string subcircuit_;
   std::string subcktPath_;

@@ -1,9 +1,11 @@
 // The chain of probe scopes that the probe pass builds from a hierarchical deck.
 #pragma once
 
-#include <deque>
+#include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "post/newest_first_list.h"
 
@@ -18,7 +20,11 @@ struct ProbeScope {
 
 /// What the probe pass learns and keeps for the print statements.
 struct ProbePassState {
-  std::deque<ProbeScope> scopes;  // owns every record; addresses stay stable
+  // Owns every record, in blocks that never move. Each top-level instance line opens a
+  // record, so a deck of many placements makes as many: a block holds a few hundred.
+  static constexpr size_t kScopesPerBlock = 256;
+  std::vector<std::unique_ptr<ProbeScope[]>> scopeBlocks;
+  size_t scopesInLastBlock = kScopesPerBlock;
   ProbeScope* probeScopeTail = nullptr;
   NewestFirstList modelNames, subcktNames, duplicateModels, duplicateSubckts, probeItems;
   bool hasAcAnalysis = false;
@@ -26,7 +32,10 @@ struct ProbePassState {
   bool hasTranAnalysis = false;
 
   ProbeScope* NewProbeScope() {
-    scopes.emplace_back();
-    return &scopes.back();
+    if (scopesInLastBlock == kScopesPerBlock) {
+      scopeBlocks.push_back(std::make_unique<ProbeScope[]>(kScopesPerBlock));
+      scopesInLastBlock = 0;
+    }
+    return &scopeBlocks.back()[scopesInLastBlock++];
   }
 };

@@ -120,6 +120,33 @@ TEST_F(CorruptDatabase, DamageOfEachKindIsRefusedAndReported) {
   ExpectRefused(Edited("UPDATE comps SET pins = ?1 WHERE id = 0", &hugeCount), "net count beyond 31 bits");
 }
 
+// The components are read beside the other tables: when several tables are damaged, the reason
+// given is that of the first in reading order (meta, strings, attribute lists, blocks, the small
+// tables, nets, ports, components).
+TEST_F(CorruptDatabase, FirstDamagedTableInReadingOrderIsReported) {
+  const std::pair<std::vector<const char*>, const char*> cases[] = {
+      {{"DROP TABLE comps"}, "no such table: comps"},
+      {{"DROP TABLE nets", "DROP TABLE comps"}, "no such table: nets"},
+      {{"DROP TABLE comps", "DROP TABLE ports"}, "no such table: ports"},
+      {{"DROP TABLE blocks", "DROP TABLE strings"}, "no such table: strings"},
+      {{"DROP TABLE comps", "DROP TABLE blocks"}, "no such table: blocks"},
+      {{"DROP TABLE attr_lists", "DROP TABLE blocks"}, "no such table: attr_lists"},
+  };
+  const std::string good = good_;
+  for (const auto& [edits, expected] : cases) {
+    // Each edit applies to the file as the one before left it.
+    std::string bytes = good;
+    for (const char* sql : edits) {
+      good_ = bytes;
+      bytes = Edited(sql);
+    }
+    good_ = good;
+    std::string reason;
+    EXPECT_FALSE(Loads(bytes, reason)) << edits[0];
+    EXPECT_EQ(reason, expected) << edits[0];
+  }
+}
+
 // Each round damages the file at random: a field set to a value that often breaks programs, one
 // word of a list replaced (and sometimes the list cut short), or a few bytes flipped.
 TEST_F(CorruptDatabase, VeskNeverCrashesOnRandomDamage) {

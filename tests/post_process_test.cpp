@@ -51,6 +51,40 @@ TEST_F(PostProcess, PspiceLineRules) {
   for (const auto& [text, expected] : cases) EXPECT_EQ(Pass(text), expected) << text;
 }
 
+// Lines that need no copy beside lines that do: blanks beside "=" or not, instance lines with
+// single or repeated blanks, keywords and parameters, element lines with words to quote or not.
+TEST_F(PostProcess, LinesLeftAloneAndLinesRewritten) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"* N1=3\n* N2 =4\n* N3= 5\n*.END", "\n* N1=3\n* N2=4\n* N3=5\n*.END\n"},
+      {"R1 A B {X}\nR2 A B K={ X}\n*.END", "\nR1 A B {X}\nR2 A B K={X}\n*.END\n"},
+      {"R1 A=B 1\nR2 A==B 1\n*.END", "\nR1 A={B} 1\nR2 A={=B} 1\n*.END\n"},
+      {"X1 A B SUB\nX2  A   B SUB\nX3 A B SUB \t\n*.END", "\nX1 A B SUB\nX2 A B SUB\nX3 A B SUB\n*.END\n"},
+      {"X1 A B SUB PARAMS:\nX2 A B SUB W=1\n*.END", "\nX1 A B SUB PARAMS:\nX2 A B SUB PARAMS: W=1\n*.END\n"},
+      {"X1 A\tB SUB\nX2 A/B SUB\nX3 A B SUB:1\n*.END", "\nX1 A\tB SUB\nX2 A/B SUB\nX3 A B SUB:1\n*.END\n"},
+      {"V1 A 0 DC 5\nV2 A 0 DC 5 \n*.END", "\nV1 A 0 DC 5\nV2 A 0 DC 5\n*.END\n"},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Pass(text), expected) << text;
+}
+
+// An instance line with nothing to rewrite keeps its words, each with a blank behind it and
+// one more for the end, and names the instance as any other line does.
+TEST_F(PostProcess, InstanceWordsKeptAsTheyStand) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"X7 A B SUB", "X7 A B SUB  "},
+      {"X7  A B SUB", "X7 A B SUB  "},
+      {"X7", "X7  "},
+      {"X7 A B SUB PARAMS:", "X7 A B SUB PARAMS:  "},
+  };
+  for (const auto& [text, expected] : cases) {
+    std::string line = text;
+    bool needsParams = true;
+    currentInstance.clear();
+    RewriteParameterWords(line, needsParams, settings);
+    EXPECT_EQ(line, expected) << text;
+    EXPECT_EQ(currentInstance, "X7") << text;
+  }
+}
+
 TEST_F(PostProcess, ParamsKeywordOfKelpoAndBerkeley) {
   options.wirelistKind = kKelpo;
   EXPECT_EQ(Pass("X1 A B SUB W=1\n*.END"), "\nX1 A B SUB W=1\n*.END\n");

@@ -60,6 +60,26 @@ TEST(ProbePassTest, LineLoopCornerCases) {
   }
 }
 
+// Every top-level instance line opens a scope record of its own, and the records are made in
+// blocks: across several blocks each instance keeps its record and gets its statement once, in
+// the order of the deck.
+TEST(ProbePassTest, ManyTopLevelInstancesEachGetTheirStatement) {
+  for (int count : {1, 255, 256, 257, 700}) {
+    std::string deck = ".SUBCKT A 1 2\n* voltage probe on node : N1\nR1 1 2 1\n.ENDS\n";
+    std::string statements;
+    for (int i = 1; i <= count; ++i) {
+      deck += "X" + std::to_string(i) + " 1 2 A\n";
+      statements += ".PROBE V([X" + std::to_string(i) + ".N1])\n";
+    }
+    ProbePassState state;
+    std::ostringstream console;
+    std::string output = Pass(deck + ".tran 1n 1u\n*.END\n", state, console);
+    size_t at = output.find(".tran 1n 1u\n");
+    ASSERT_NE(at, std::string::npos) << count;
+    EXPECT_EQ(output.substr(at), ".tran 1n 1u\n" + statements + "\n*.END\n \n") << count;
+  }
+}
+
 TEST(ProbePassTest, MonteCarloLineSetsTheAnalysisItNames) {
   struct Case {
     const char* line;

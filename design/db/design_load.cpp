@@ -2,7 +2,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <fstream>
+#include <system_error>
+#include <thread>
 
 #include "design/db/design_store.h"
 #include "design/db/sqlite_handle.h"
@@ -39,8 +42,8 @@ class WordReader {
 // A stored index or count: an integer that fits below kNone. Anything else (text, a real, a value
 // that a cast to 32 bits would wrap) marks the file as damaged rather than naming another object.
 bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
-  if (!query.IsInteger(col)) return false;
-  int64_t value = query.Int(col);
+  int64_t value = 0;
+  if (query.TypedInt(col, value) != SQLITE_INTEGER) return false;
   if (value < 0 || value >= kNone) return false;
   id = static_cast<uint32_t>(value);
   return true;
@@ -49,13 +52,13 @@ bool ReadId(const SqliteStmt& query, int col, uint32_t& id) {
 // An index that may be absent (NULL): kNone then. Each column is asked its type once: a million
 // rows make every call to SQLite count.
 bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
-  int type = query.Type(col);
+  int64_t value = 0;
+  int type = query.TypedInt(col, value);
   if (type == SQLITE_NULL) {
     id = kNone;
     return true;
   }
   if (type != SQLITE_INTEGER) return false;
-  int64_t value = query.Int(col);
   if (value < 0 || value >= kNone) return false;
   id = static_cast<uint32_t>(value);
   return true;
@@ -63,12 +66,12 @@ bool ReadOptionalId(const SqliteStmt& query, int col, uint32_t& id) {
 
 // A signed number stored in 32 bits, or NULL when `present` may be false.
 bool ReadNumber(const SqliteStmt& query, int col, int32_t& number, uint8_t& present) {
-  int type = query.Type(col);
+  int64_t value = 0;
+  int type = query.TypedInt(col, value);
   present = type != SQLITE_NULL;
   number = 0;
   if (!present) return true;
   if (type != SQLITE_INTEGER) return false;
-  int64_t value = query.Int(col);
   if (value < INT32_MIN || value > INT32_MAX) return false;
   number = static_cast<int32_t>(value);
   return true;
@@ -153,7 +156,7 @@ bool LoadBlocks(SqliteDb& db, Design& d) {
   // Pins are not counted ahead; two a component (each on one net) is the common case, and a
   // guess that is wrong only costs the growth that would have happened anyway.
   d.pins.reserve(std::min(2 * comps, kMaxReserve));
-  d.links.reserve(std::min(2 * comps, kMaxReserve));
+  d.links.reserve(std::min(2 * comps, kMaxReserve));  // the pins' links; the ports' come behind them
   return query.Finished();
 }
 
@@ -213,16 +216,18 @@ bool LoadNets(SqliteDb& db, Design& d) {
   return query.Finished();
 }
 
-bool ReadLinks(WordReader& reader, uint32_t count, Design& d) {
+bool ReadLinks(WordReader& reader, uint32_t count, std::vector<uint32_t>& links) {
   for (uint32_t i = 0; i < count; ++i) {
     uint32_t net = 0;
     if (!reader.Word(net)) return false;
-    d.links.push_back(net);
+    links.push_back(net);
   }
   return true;
 }
 
-bool LoadPorts(SqliteDb& db, Design& d) {
+// The ports' links go into `links`, numbered from its start; the caller moves them behind the
+// pins' links, which another thread may be filling meanwhile.
+bool LoadPorts(SqliteDb& db, Design& d, std::vector<uint32_t>& links) {
   SqliteStmt query(db, "SELECT id, block, name, bus, width, connected, attrs, nets FROM ports ORDER BY id");
   while (query.Row()) {
     uint32_t index = static_cast<uint32_t>(d.ports.size());
@@ -239,9 +244,9 @@ bool LoadPorts(SqliteDb& db, Design& d) {
     const unsigned char* blob = query.Blob(7, size);  // sets `size`, so it must come first
     if (size % 4 != 0) return false;
     WordReader reader(blob, size);
-    p.netsBegin = static_cast<uint32_t>(d.links.size());
+    p.netsBegin = static_cast<uint32_t>(links.size());
     p.netsCount = static_cast<uint32_t>(size / 4);
-    if (!ReadLinks(reader, p.netsCount, d)) return false;
+    if (!ReadLinks(reader, p.netsCount, links)) return false;
     d.ports.push_back(p);
   }
   return query.Finished();
@@ -258,7 +263,7 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
     pin.connected = connected != 0;
     pin.netsCount = count;
     pin.netsBegin = static_cast<uint32_t>(d.links.size());
-    if (!ReadLinks(reader, pin.netsCount, d)) return false;
+    if (!ReadLinks(reader, pin.netsCount, d.links)) return false;
     d.pins.push_back(pin);
   }
   if (d.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return false;
@@ -281,9 +286,8 @@ bool LoadComps(SqliteDb& db, Design& d) {
     c.block = static_cast<uint32_t>(block);
     c.ownDefinition = query.Int(9) != 0;
     // Type bits are any 32-bit value, all ones included.
-    if (!query.IsInteger(5)) return false;
-    int64_t type = query.Int(5);
-    if (type < 0 || type > UINT32_MAX) return false;
+    int64_t type = 0;
+    if (query.TypedInt(5, type) != SQLITE_INTEGER || type < 0 || type > UINT32_MAX) return false;
     c.type = static_cast<uint32_t>(type);
     if (!ReadId(query, 2, c.label) || !ReadId(query, 3, c.name) || !ReadId(query, 4, c.partition) ||
         !ReadOptionalId(query, 6, c.child) || !ReadId(query, 7, c.instAttrs) ||
@@ -324,6 +328,43 @@ bool SizeMatchesHeader(const std::string& file, std::string& error) {
   return false;
 }
 
+// One table read of the load: whether it worked, and SQLite's message when it did not,
+// taken at once, before the connection's next call replaces it.
+struct TableRead {
+  bool ok = true;
+  std::string message;
+  bool Run(SqliteDb& db, bool (*load)(SqliteDb&, Design&), Design& design) {
+    ok = load(db, design);
+    if (!ok) message = db.Message();
+    return ok;
+  }
+};
+
+// The components and their pins, on a connection of their own: they are the largest table,
+// and the other tables are read meanwhile. They fill only comps, pins and links; the blocks
+// they are checked against are read before and no longer change.
+void ReadComponents(const std::string& file, Design& design, TableRead& read) {
+  SqliteDb db;
+  if (!db.Open(file, false)) {
+    read.ok = false;
+    read.message = db.Message();
+    return;
+  }
+  read.Run(db, LoadComps, design);
+}
+
+// ReadComponents on its own thread: what it throws (memory running out) is kept and thrown
+// again on the caller's thread once the thread has ended.
+void ReadComponentsKeepingFailure(const std::string& file, Design& design, TableRead& read,
+                                  std::exception_ptr& failure) {
+  try {
+    ReadComponents(file, design, read);
+  } catch (...) {
+    read.ok = false;
+    failure = std::current_exception();
+  }
+}
+
 }  // namespace
 
 bool LoadDesign(const std::string& file, Design& design, std::string& error) {
@@ -334,15 +375,54 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
     return false;
   }
   // Read through SQLite's small page cache rather than a mapping of the whole file, which would
-  // count the file once more in the memory of the run while the tables are copied out.
-  bool ok = LoadMeta(db, design) && LoadStrings(db, design) && LoadAttrLists(db, design) &&
-            LoadBlocks(db, design) && LoadSmallTables(db, design) && LoadNets(db, design) &&
-            LoadPorts(db, design) && LoadComps(db, design);
-  if (!ok) {
-    std::string message = db.Message();
+  // count the file once more in the memory of the run while the tables are copied out. The
+  // tables are taken in this order; the first that fails is the one reported.
+  enum { kMeta, kStrings, kAttrs, kBlocks, kSmall, kNets, kPorts, kComps, kTables };
+  TableRead reads[kTables];
+  // The blocks are read ahead of their turn: the components need them, and they need nothing
+  // but their own table. The components are then read on a second thread.
+  const bool metaOk = reads[kMeta].Run(db, LoadMeta, design);
+  const bool blocksOk = metaOk && reads[kBlocks].Run(db, LoadBlocks, design);
+  std::thread components;
+  std::exception_ptr componentsFailure;
+  if (blocksOk) {
+    try {
+      components = std::thread(ReadComponentsKeepingFailure, std::cref(file), std::ref(design),
+                               std::ref(reads[kComps]), std::ref(componentsFailure));
+    } catch (const std::system_error&) {
+      // No second thread: the components are read behind the other tables.
+    }
+  }
+  // The thread must end before anything leaves this function, a throw included.
+  struct Joiner {
+    std::thread& thread;
+    ~Joiner() {
+      if (thread.joinable()) thread.join();
+    }
+  } joiner{components};
+  std::vector<uint32_t> portLinks;
+  bool ok = metaOk && reads[kStrings].Run(db, LoadStrings, design) && reads[kAttrs].Run(db, LoadAttrLists, design) &&
+            blocksOk && reads[kSmall].Run(db, LoadSmallTables, design) && reads[kNets].Run(db, LoadNets, design);
+  if (ok && !LoadPorts(db, design, portLinks)) {
+    reads[kPorts].ok = ok = false;
+    reads[kPorts].message = db.Message();
+  }
+  if (components.joinable()) {
+    components.join();
+    if (componentsFailure) std::rethrow_exception(componentsFailure);
+  } else if (ok) {
+    ReadComponents(file, design, reads[kComps]);
+  }
+  for (const TableRead& read : reads) {
+    if (read.ok) continue;
+    const std::string& message = read.message;
     error = message.empty() || message == "not an error" ? "not a design database of this program" : message;
     return false;
   }
+  // The ports' links stand behind the pins'.
+  const uint32_t pinLinks = static_cast<uint32_t>(design.links.size());
+  for (PortRec& port : design.ports) port.netsBegin += pinLinks;
+  design.links.insert(design.links.end(), portLinks.begin(), portLinks.end());
   design.strings.ReleaseIndex();
   // Their sizes were not known ahead: give back what the growth left over, as the design
   // stays in memory for the whole walk.

@@ -34,16 +34,25 @@ bool StringSet::Contains(std::string_view text) const {
 }
 
 std::pair<std::string_view, bool> StringSet::Add(std::string_view text) {
+  const uint64_t hash = Hash(text);
+  const uint32_t tag = static_cast<uint32_t>(hash);
+  // Stored texts never move and are only dropped by Clear, which empties this cache too.
+  Slot& recent = recent_[RecentIndex(hash)];
+  if (recent.data && recent.tag == tag && std::string_view(recent.data, recent.size) == text)
+    return {std::string_view(recent.data, recent.size), false};
   if ((texts_.size() + 1) * 2 > slots_.size()) Grow();
-  uint64_t hash = Hash(text);
   Slot& slot = slots_[Find(text, hash)];
-  if (slot.data) return {std::string_view(slot.data, slot.size), false};
-  std::string_view stored = Store(text);
-  slot.data = stored.data();
-  slot.size = static_cast<uint32_t>(stored.size());
-  slot.tag = static_cast<uint32_t>(hash);
-  texts_.push_back(stored);
-  return {stored, true};
+  if (!slot.data) {
+    std::string_view stored = Store(text);
+    slot.data = stored.data();
+    slot.size = static_cast<uint32_t>(stored.size());
+    slot.tag = tag;
+    texts_.push_back(stored);
+    recent = slot;
+    return {stored, true};
+  }
+  recent = slot;
+  return {std::string_view(slot.data, slot.size), false};
 }
 
 std::string_view StringSet::Store(std::string_view text) {
@@ -78,4 +87,5 @@ void StringSet::Clear() {
   texts_ = std::vector<std::string_view>();
   blocks_.clear();
   blockUsed_ = blockSize_ = 0;
+  recent_.fill(Slot());
 }

@@ -3,6 +3,7 @@
 // allocations instead of one per name, and a lookup touches few cache lines.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -29,10 +30,18 @@ class StringSet {
     uint32_t tag = 0;  // the low half of the hash: picks the slot, skips most comparisons
   };
   static uint64_t Hash(std::string_view text);
+  /// The entry of the small cache of texts met lately that `hash` picks.
+  static size_t RecentIndex(uint64_t hash) { return (hash >> 32) & (kRecent - 1); }
   /// The slot that holds `text`, or the empty slot where it would go.
   size_t Find(std::string_view text, uint64_t hash) const;
   std::string_view Store(std::string_view text);
   void Grow();
+
+  // Texts come back soon after they are added (a net's line at its next pin): a hit in
+  // this small table, a copy of their slots, spares a probe into the large one, which
+  // at a million texts is a cache miss.
+  static constexpr size_t kRecent = 64;
+  std::array<Slot, kRecent> recent_{};
 
   std::vector<Slot> slots_;  // a power of two in size, at most half full
   std::vector<std::string_view> texts_;

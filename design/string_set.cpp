@@ -69,9 +69,8 @@ std::string_view StringSet::Store(std::string_view text) {
 }
 
 void StringSet::Grow() {
-  std::vector<Slot> old;
+  LargeArray<Slot> old(slots_.empty() ? 16 : slots_.size() * 2);
   old.swap(slots_);
-  slots_.assign(old.empty() ? 16 : old.size() * 2, Slot());
   const size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
     if (!slot.data) continue;
@@ -83,7 +82,7 @@ void StringSet::Grow() {
 
 void StringSet::Clear() {
   // Gives the memory back: a cleared set of a large design is rarely filled again.
-  slots_ = std::vector<Slot>();
+  slots_ = LargeArray<Slot>();
   texts_ = std::vector<std::string_view>();
   blocks_.clear();
   blockUsed_ = blockSize_ = 0;

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "design/large_array.h"
+
 class StringSet {
  public:
   /// Adds `text`; false when it was there already.
@@ -21,6 +23,8 @@ class StringSet {
   /// The texts in the order they were added; views stay valid until Clear.
   const std::vector<std::string_view>& Texts() const { return texts_; }
   void Clear();
+  /// The hash of a text as the set uses it; its low half picks the slot.
+  static uint64_t Hash(std::string_view text);
 
  private:
   // The text is kept in the slot too, so that a lookup reads the slot and the text only.
@@ -29,7 +33,6 @@ class StringSet {
     uint32_t size = 0;
     uint32_t tag = 0;  // the low half of the hash: picks the slot, skips most comparisons
   };
-  static uint64_t Hash(std::string_view text);
   /// The entry of the small cache of texts met lately that `hash` picks.
   static size_t RecentIndex(uint64_t hash) { return (hash >> 32) & (kRecent - 1); }
   /// The slot that holds `text`, or the empty slot where it would go.
@@ -43,7 +46,7 @@ class StringSet {
   static constexpr size_t kRecent = 64;
   std::array<Slot, kRecent> recent_{};
 
-  std::vector<Slot> slots_;  // a power of two in size, at most half full
+  LargeArray<Slot> slots_;  // a power of two in size, at most half full
   std::vector<std::string_view> texts_;
   std::vector<std::unique_ptr<char[]>> blocks_;
   size_t blockUsed_ = 0, blockSize_ = 0;

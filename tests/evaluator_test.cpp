@@ -96,6 +96,27 @@ TEST(EvaluateExpressionTest, Values) {
   EXPECT_EQ(bits, 0x3EFAA242B58735E9ULL);
 }
 
+// Plain numbers take a short way; they must come out as the postfix run gives them,
+// status and value, near that form as well.
+TEST(EvaluateExpressionTest, PlainNumbersAsThePostfixRunGivesThem) {
+  const std::string texts[] = {"1K",    "1k",     "2.2u",    "10MEG",  "10meg", "3mil",  "3MIL",   "1",
+                               "007",   "1.5",    ".5",      "5.",     ".",     "1.2.3", "1.2.3K", "1e",
+                               "1E3",   "1kk",    "1 K",     " 1K",    "1K ",   "1Q",    "1MILS",  "1ME",
+                               "1T",    "4G",     "7F",      "8P",     "9N",    "2M",    "1e400",  std::string("1K\0", 3),
+                               "1e-400", "0.0001", "123456789012345678901234567890"};
+  for (const std::string& text : texts) {
+    std::string postfix;
+    double expected = 0;
+    int expectedStatus = InfixToPostfix(text, postfix);
+    if (expectedStatus == kEvaluationOk) expectedStatus = EvaluatePostfix(postfix, expected);
+    double value = 0;
+    EXPECT_EQ(EvaluateExpression(text, value), expectedStatus) << text;
+    if (expectedStatus == kEvaluationOk) {
+      EXPECT_EQ(value, expected) << text;
+    }
+  }
+}
+
 TEST(EvaluateExpressionTest, StatusOfBadTexts) {
   const std::pair<const char*, int> cases[] = {
       {"1E3", 3},    {"10UF", 3},     {"2*-3", 3}, {"1+-2", 3}, {"A+1", 3}, {"1.2.3", 3}, {".", 3},

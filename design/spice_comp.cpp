@@ -327,10 +327,12 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
     Tessel::String pinName;
     pins->IsConnected(isConnected);
     pins->GetName(pinName);
-    SpiceNet entry;
+    // Filled where it stays, instead of built aside and moved in.
+    PinEntry& pin = pinNets.emplace_back();
+    pin.key = std::move(pinName.str());
+    SpiceNet& entry = pin.net;
     if (!isConnected) {
       entry.connected = false;
-      AddPin(std::move(pinName.str()), std::move(entry));
       continue;
     }
     Tessel::IteratorT<const Tessel::INet> nets;
@@ -347,7 +349,6 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
       nets->IsGlobal(entry.isGlobal);
     }
     entry.name = FlatNetNameOf(scope, label.str(), nets, pinNodes);
-    AddPin(std::move(pinName.str()), std::move(entry));
   }
 }
 

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -170,6 +172,23 @@ TEST(FormatEngineeringTest, EachRowAndItsExclusiveLimit) {
   };
   for (const auto& [value, text] : cases) EXPECT_EQ(FormatEngineering(value), text) << value;
   EXPECT_EQ(FormatEngineering(1.7976931348623157e308).size(), 297u + 7u + 1u);
+}
+
+// Whole numbers take a short way; it must print what the fixed notation prints.
+TEST(FormatEngineeringTest, WholeNumbersAsTheFixedNotationPrintsThem) {
+  const double values[] = {1,       7,         999,      1000,     -1000,  123456,  -999999,
+                           1e14,    999999999999999.0 * 1e12,   1e15 * 1e12, 4503599627370497.0 * 1e12,
+                           -2e27,   0.001,     0.000001, 2.5,      -7.25,  1e-15,   3e-15};
+  for (double value : values) {
+    const std::string text = FormatEngineering(value);
+    // The scale is the suffix; the number in front reads back as value / scale.
+    const size_t end = text.find_first_not_of("-0123456789.");
+    const std::string number = text.substr(0, end);
+    char buffer[400];
+    const double scaled = std::strtod(number.c_str(), nullptr);
+    std::to_chars_result written = std::to_chars(buffer, buffer + sizeof buffer, scaled, std::chars_format::fixed, 6);
+    EXPECT_EQ(number, std::string(buffer, written.ptr)) << value;
+  }
 }
 
 }  // namespace

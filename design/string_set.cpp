@@ -23,14 +23,14 @@ size_t StringSet::Find(std::string_view text, uint64_t hash) const {
   const uint32_t tag = static_cast<uint32_t>(hash);
   for (size_t i = tag & mask;; i = (i + 1) & mask) {
     const Slot& slot = slots_[i];
-    if (!slot.data) return i;
-    if (slot.tag == tag && std::string_view(slot.data, slot.size) == text) return i;
+    if (slot.text == 0) return i;
+    if (slot.tag == tag && texts_[slot.text - 1] == text) return i;
   }
 }
 
 bool StringSet::Contains(std::string_view text) const {
   if (slots_.empty()) return false;
-  return slots_[Find(text, Hash(text))].data != nullptr;
+  return slots_[Find(text, Hash(text))].text != 0;
 }
 
 std::pair<std::string_view, bool> StringSet::Add(std::string_view text) {
@@ -38,21 +38,20 @@ std::pair<std::string_view, bool> StringSet::Add(std::string_view text) {
   const uint32_t tag = static_cast<uint32_t>(hash);
   // Stored texts never move and are only dropped by Clear, which empties this cache too.
   Slot& recent = recent_[RecentIndex(hash)];
-  if (recent.data && recent.tag == tag && std::string_view(recent.data, recent.size) == text)
-    return {std::string_view(recent.data, recent.size), false};
+  if (recent.text != 0 && recent.tag == tag && texts_[recent.text - 1] == text)
+    return {texts_[recent.text - 1], false};
   if ((texts_.size() + 1) * 2 > slots_.size()) Grow();
   Slot& slot = slots_[Find(text, hash)];
-  if (!slot.data) {
+  if (slot.text == 0) {
     std::string_view stored = Store(text);
-    slot.data = stored.data();
-    slot.size = static_cast<uint32_t>(stored.size());
-    slot.tag = tag;
     texts_.push_back(stored);
+    slot.text = static_cast<uint32_t>(texts_.size());
+    slot.tag = tag;
     recent = slot;
     return {stored, true};
   }
   recent = slot;
-  return {std::string_view(slot.data, slot.size), false};
+  return {texts_[slot.text - 1], false};
 }
 
 std::string_view StringSet::Store(std::string_view text) {
@@ -73,9 +72,9 @@ void StringSet::Grow() {
   old.swap(slots_);
   const size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
-    if (!slot.data) continue;
+    if (slot.text == 0) continue;
     size_t i = slot.tag & mask;
-    while (slots_[i].data) i = (i + 1) & mask;
+    while (slots_[i].text != 0) i = (i + 1) & mask;
     slots_[i] = slot;
   }
 }

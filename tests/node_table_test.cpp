@@ -18,8 +18,8 @@ TEST(NodeTable, AnswersAsAMapThroughRecentKeysGrowthCopyMoveAndClear) {
     const char* write;  // null: only read through find
   };
   const Step steps[] = {
-      {"N1", "1"},  {"N1", nullptr}, {"N2", "2"},   {"n2", "3"},  {"N2", nullptr}, {"", "4"},
-      {"", nullptr}, {"N3", nullptr}, {"N1", "5"},  {"GND", "0"}, {"N1", nullptr}, {"N3", "6"},
+      {"N1", "1"},   {"N1", nullptr}, {"N2", "2"}, {"n2", "3"},  {"N2", nullptr}, {"", "4"},
+      {"", nullptr}, {"N3", nullptr}, {"N1", "5"}, {"GND", "0"}, {"N1", nullptr}, {"N3", "6"},
   };
   NodeTable table;
   std::map<std::string, std::string> expected;

@@ -54,7 +54,8 @@ TEST(StringSet, TextsMetAgainSoonOrLateAreKnownOnce) {
       ASSERT_TRUE(set.Insert(text)) << text;
       ASSERT_FALSE(set.Insert(text)) << text;
     }
-    for (int i = 0; i < 5000; i += 7) EXPECT_FALSE(set.Insert("* M" + std::to_string(i) + " = " + std::to_string(i + 1)));
+    for (int i = 0; i < 5000; i += 7)
+      EXPECT_FALSE(set.Insert("* M" + std::to_string(i) + " = " + std::to_string(i + 1)));
     EXPECT_EQ(set.Size(), 5006u);
     for (const Step& step : steps) EXPECT_TRUE(set.Contains(step.text)) << step.text;
     set.Clear();

@@ -18,6 +18,8 @@ const ModelData kNoModel;
 constexpr int kMaxBusBits = 65536;
 // From this many pins on, FindPin uses a hash index instead of a scan.
 constexpr size_t kIndexedPins = 16;
+// Up to this many attributes, Get scans the list instead of searching it.
+constexpr size_t kScannedAttributes = 12;
 
 // The text between two positions, empty when they are out of order.
 std::string Between(const std::string& text, size_t from, size_t to) {
@@ -71,6 +73,16 @@ const AttributeList* InternList(AttributeList list) {
 AttributeTable::AttributeTable() : list_(InternList(AttributeList())) {}
 
 const std::string& AttributeTable::Get(std::string_view upperKey) const {
+  // Keys are unique, so in a short list a scan that compares lengths first finds the same
+  // entry as the binary search, with fewer text comparisons.
+  if (list_->size() <= kScannedAttributes) {
+    for (const AttributePair& pair : *list_) {
+      const std::string& key = *pair.first;
+      if (key.size() == upperKey.size() && std::memcmp(key.data(), upperKey.data(), key.size()) == 0)
+        return *pair.second;
+    }
+    return kEmpty;
+  }
   auto it = std::lower_bound(list_->begin(), list_->end(), upperKey, KeyBefore);
   return it != list_->end() && *it->first == upperKey ? *it->second : kEmpty;
 }

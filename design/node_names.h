@@ -4,12 +4,12 @@
 #include <string>
 #include <unordered_map>
 
+#include "design/node_table.h"
 #include "design/tessel.h"
 #include "design/wire_options.h"
 
-/// Net name to node text. An entry with an empty value counts as absent; reading a key
-/// with operator[] adds it, as the rules expect. Hashed: looked up once per pin.
-using NodeTable = std::unordered_map<std::string, std::string>;
+// NodeTable (design/node_table.h): net name to node text. An entry with an empty value
+// counts as absent; reading a key with operator[] adds it, as the rules expect.
 
 /// Key of a hierarchical instance occurrence to its pin list "pin,node;pin,node;".
 using PinNodeTable = std::unordered_map<std::string, std::string>;

@@ -18,6 +18,8 @@ const ModelData kNoModel;
 constexpr int kMaxBusBits = 65536;
 // From this many pins on, FindPin uses a hash index instead of a scan.
 constexpr size_t kIndexedPins = 16;
+// Up to this many attributes, Get scans the list instead of searching it.
+constexpr size_t kScannedAttributes = 12;
 
 // The text between two positions, empty when they are out of order.
 std::string Between(const std::string& text, size_t from, size_t to) {
@@ -75,6 +77,16 @@ AttributeTable::AttributeTable() {
 }
 
 const std::string& AttributeTable::Get(std::string_view upperKey) const {
+  // Keys are unique, so in a short list a scan that compares lengths first finds the same
+  // entry as the binary search, with fewer text comparisons.
+  if (list_->size() <= kScannedAttributes) {
+    for (const AttributePair& pair : *list_) {
+      const std::string& key = *pair.first;
+      if (key.size() == upperKey.size() && std::memcmp(key.data(), upperKey.data(), key.size()) == 0)
+        return *pair.second;
+    }
+    return kEmpty;
+  }
   auto it = std::lower_bound(list_->begin(), list_->end(), upperKey, KeyBefore);
   return it != list_->end() && *it->first == upperKey ? *it->second : kEmpty;
 }
@@ -331,10 +343,12 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
     Tessel::String pinName;
     pins->IsConnected(isConnected);
     pins->GetName(pinName);
-    SpiceNet entry;
+    // Filled where it stays, instead of built aside and moved in.
+    PinEntry& pin = pinNets.emplace_back();
+    pin.key = std::move(pinName.str());
+    SpiceNet& entry = pin.net;
     if (!isConnected) {
       entry.connected = false;
-      AddPin(std::move(pinName.str()), std::move(entry));
       continue;
     }
     Tessel::IteratorT<const Tessel::INet> nets;
@@ -351,7 +365,6 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
       nets->IsGlobal(entry.isGlobal);
     }
     entry.name = FlatNetNameOf(scope, label.str(), nets, pinNodes);
-    AddPin(std::move(pinName.str()), std::move(entry));
   }
 }
 

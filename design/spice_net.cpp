@@ -120,13 +120,15 @@ const std::map<std::string, std::string>& SpiceNet::NetAttributes() const {
 }
 
 void SpiceNet::FormInternalName(const Tessel::IteratorT<const Tessel::INet>& net) {
-  Tessel::ContainerT<const Tessel::IBlock> parent;
-  net->GetParentBlock(parent);
-  Tessel::Index index;
-  net->GetInstanceIndex(index);
+  // Most nets are in no group: that is asked first, before the block and index are read.
   Tessel::ListT<Tessel::GroupInfo> groups;
   net->GetListGroups(groups, Tessel::eGroupInternal);
-  if (groups.IsEmpty() || !uidManager || parent.Empty()) return;
+  if (groups.IsEmpty() || !uidManager) return;
+  Tessel::ContainerT<const Tessel::IBlock> parent;
+  net->GetParentBlock(parent);
+  if (parent.Empty()) return;
+  Tessel::Index index;
+  net->GetInstanceIndex(index);
 
   Tessel::ContainerT<const Tessel::IGroup> group;
   uidManager->GetGroup(group, *groups.GetIterator().operator->());

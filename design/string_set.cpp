@@ -23,27 +23,35 @@ size_t StringSet::Find(std::string_view text, uint64_t hash) const {
   const uint32_t tag = static_cast<uint32_t>(hash);
   for (size_t i = tag & mask;; i = (i + 1) & mask) {
     const Slot& slot = slots_[i];
-    if (!slot.data) return i;
-    if (slot.tag == tag && std::string_view(slot.data, slot.size) == text) return i;
+    if (slot.text == 0) return i;
+    if (slot.tag == tag && texts_[slot.text - 1] == text) return i;
   }
 }
 
 bool StringSet::Contains(std::string_view text) const {
   if (slots_.empty()) return false;
-  return slots_[Find(text, Hash(text))].data != nullptr;
+  return slots_[Find(text, Hash(text))].text != 0;
 }
 
 std::pair<std::string_view, bool> StringSet::Add(std::string_view text) {
+  const uint64_t hash = Hash(text);
+  const uint32_t tag = static_cast<uint32_t>(hash);
+  // Stored texts never move and are only dropped by Clear, which empties this cache too.
+  Slot& recent = recent_[RecentIndex(hash)];
+  if (recent.text != 0 && recent.tag == tag && texts_[recent.text - 1] == text)
+    return {texts_[recent.text - 1], false};
   if ((texts_.size() + 1) * 2 > slots_.size()) Grow();
-  uint64_t hash = Hash(text);
   Slot& slot = slots_[Find(text, hash)];
-  if (slot.data) return {std::string_view(slot.data, slot.size), false};
-  std::string_view stored = Store(text);
-  slot.data = stored.data();
-  slot.size = static_cast<uint32_t>(stored.size());
-  slot.tag = static_cast<uint32_t>(hash);
-  texts_.push_back(stored);
-  return {stored, true};
+  if (slot.text == 0) {
+    std::string_view stored = Store(text);
+    texts_.push_back(stored);
+    slot.text = static_cast<uint32_t>(texts_.size());
+    slot.tag = tag;
+    recent = slot;
+    return {stored, true};
+  }
+  recent = slot;
+  return {texts_[slot.text - 1], false};
 }
 
 std::string_view StringSet::Store(std::string_view text) {
@@ -60,22 +68,22 @@ std::string_view StringSet::Store(std::string_view text) {
 }
 
 void StringSet::Grow() {
-  std::vector<Slot> old;
+  LargeArray<Slot> old(slots_.empty() ? 16 : slots_.size() * 2);
   old.swap(slots_);
-  slots_.assign(old.empty() ? 16 : old.size() * 2, Slot());
   const size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
-    if (!slot.data) continue;
+    if (slot.text == 0) continue;
     size_t i = slot.tag & mask;
-    while (slots_[i].data) i = (i + 1) & mask;
+    while (slots_[i].text != 0) i = (i + 1) & mask;
     slots_[i] = slot;
   }
 }
 
 void StringSet::Clear() {
   // Gives the memory back: a cleared set of a large design is rarely filled again.
-  slots_ = std::vector<Slot>();
+  slots_ = LargeArray<Slot>();
   texts_ = std::vector<std::string_view>();
   blocks_.clear();
   blockUsed_ = blockSize_ = 0;
+  recent_.fill(Slot());
 }

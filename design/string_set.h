@@ -3,11 +3,14 @@
 // allocations instead of one per name, and a lookup touches few cache lines.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "design/large_array.h"
 
 class StringSet {
  public:
@@ -20,21 +23,31 @@ class StringSet {
   /// The texts in the order they were added; views stay valid until Clear.
   const std::vector<std::string_view>& Texts() const { return texts_; }
   void Clear();
+  /// The hash of a text as the set uses it; its low half picks the slot.
+  static uint64_t Hash(std::string_view text);
 
  private:
-  // The text is kept in the slot too, so that a lookup reads the slot and the text only.
+  // A slot names its text by number: eight bytes, so that the index of a million texts
+  // takes half the memory and lookups miss the caches less; the tag settles most probes
+  // without reading the text.
   struct Slot {
-    const char* data = nullptr;  // null: the slot is free
-    uint32_t size = 0;
-    uint32_t tag = 0;  // the low half of the hash: picks the slot, skips most comparisons
+    uint32_t text = 0;  // the text's number plus one; 0: the slot is free
+    uint32_t tag = 0;   // the low half of the hash: picks the slot, skips most comparisons
   };
-  static uint64_t Hash(std::string_view text);
+  /// The entry of the small cache of texts met lately that `hash` picks.
+  static size_t RecentIndex(uint64_t hash) { return (hash >> 32) & (kRecent - 1); }
   /// The slot that holds `text`, or the empty slot where it would go.
   size_t Find(std::string_view text, uint64_t hash) const;
   std::string_view Store(std::string_view text);
   void Grow();
 
-  std::vector<Slot> slots_;  // a power of two in size, at most half full
+  // Texts come back soon after they are added (a net's line at its next pin): a hit in
+  // this small table, a copy of their slots, spares a probe into the large one, which
+  // at a million texts is a cache miss.
+  static constexpr size_t kRecent = 64;
+  std::array<Slot, kRecent> recent_{};
+
+  LargeArray<Slot> slots_;  // a power of two in size, at most half full
   std::vector<std::string_view> texts_;
   std::vector<std::unique_ptr<char[]>> blocks_;
   size_t blockUsed_ = 0, blockSize_ = 0;

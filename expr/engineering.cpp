@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -19,6 +20,18 @@ constexpr EngineeringRow kRows[] = {
 };
 
 std::string Format(double scaled, const char* suffix) {
+  // A whole number (most values: "1K" is 1000.000000) is its integer digits and six zeros;
+  // the fixed notation of the double prints exactly that, at more cost.
+  if (scaled == std::trunc(scaled) && std::fabs(scaled) < 1e15) {
+    char digits[32];
+    std::to_chars_result written =
+        std::to_chars(digits, digits + sizeof digits, static_cast<int64_t>(scaled));
+    std::string text(digits, written.ptr);
+    if (scaled == 0 && std::signbit(scaled)) text.insert(0, "-");
+    text += ".000000";
+    text += suffix;
+    return text;
+  }
   // Room for the 309 integer digits of the largest double, the decimals and a suffix.
   // to_chars in fixed notation prints exactly what "%f" prints, only faster.
   char buffer[400];

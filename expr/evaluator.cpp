@@ -311,7 +311,39 @@ int EvaluatePostfix(std::string_view postfix, double& result) {
   return stack.empty() ? kEvaluationOk : kValuesLeftOver;
 }
 
-int EvaluateExpression(std::string text, double& result) {
+namespace {
+
+// A number with at most an engineering suffix ("1K", "2.2u", "10MEG"), the form most values
+// take, read without the postfix text: digits and points, then a whole suffix token or
+// nothing. The result is what the postfix run gives for it; false when `text` has another
+// form or does not read, which the full evaluation then decides.
+bool EvaluatePlainNumber(std::string_view text, double& result) {
+  const int length = NumberLength(text);
+  if (length == 0) return false;
+  std::string_view rest = text.substr(static_cast<size_t>(length));
+  int row = 0;
+  if (!rest.empty()) {
+    char suffix[4] = {};
+    if (rest.size() > 3) return false;
+    for (size_t i = 0; i < rest.size(); ++i) {
+      const unsigned char c = static_cast<unsigned char>(rest[i]);
+      if (!std::isalpha(c)) return false;
+      suffix[i] = static_cast<char>(std::toupper(c));
+    }
+    for (row = kOpFemto; row <= kOpTera; ++row)
+      if (std::strcmp(suffix, OperatorTable[row].text) == 0) break;
+    if (row > kOpTera) return false;
+  }
+  double value = 0;
+  if (!ReadNumber(text.data(), length, value)) return false;
+  result = row == 0 ? value : ApplySuffix(row, value);
+  return true;
+}
+
+}  // namespace
+
+int EvaluateExpression(std::string_view text, double& result) {
+  if (EvaluatePlainNumber(text, result)) return kEvaluationOk;
   static thread_local std::string postfix;
   int status = InfixToPostfix(text, postfix);
   if (status != kEvaluationOk) return status;

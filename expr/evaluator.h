@@ -74,4 +74,4 @@ int InfixToPostfix(std::string_view text, std::string& postfix);
 int EvaluatePostfix(std::string_view postfix, double& result);
 
 /// Evaluates `text`; `result` is valid only when the status is 0.
-int EvaluateExpression(std::string text, double& result);
+int EvaluateExpression(std::string_view text, double& result);

@@ -223,14 +223,23 @@ void CSpiceGen::CheckSpecialComponent(SpiceComp& comp) {
 }
 
 void CSpiceGen::ExpandOrder(SpiceComp& comp) {
-  std::string order;
+  static const std::string kModelOnly = "Model$";
+  std::string chosen;
   if (!options.firstOrder.empty() && options.firstOrder.compare(0, 4, "EXT=") != 0)
-    order = comp.Attribute(options.firstOrder);
-  if (order.empty()) order = comp.Attributes().Get("ORDER");
-  if (order.empty()) order = "Model$";
+    chosen = comp.Attribute(options.firstOrder);
+  const std::string& ordered = comp.Attributes().Get("ORDER");
+  const std::string& order = !chosen.empty() ? chosen : !ordered.empty() ? ordered : kModelOnly;
+  // Components of one symbol share their template: the last one laid out is kept, per
+  // thread, as the generator of a run is driven by one.
+  static thread_local std::string lastOrder, lastLayout = NormalizeOrderTemplate(lastOrder);
+  if (order != lastOrder) {
+    lastLayout = NormalizeOrderTemplate(order);
+    lastOrder = order;
+  }
+  const std::string layout = lastLayout;  // its own copy, should a value lead back here
   walk.lineBody.clear();
   walk.modelRegistered = false;
-  OrderExpander(*this, comp).Interpret(NormalizeOrderTemplate(order));
+  OrderExpander(*this, comp).Interpret(layout);
   TrimInPlace(walk.lineBody);
   if (!walk.lineBody.empty() || options.alien || comp.Kind() == kInstance) return;
   DefaultFromBare(walk.lineBody, comp);

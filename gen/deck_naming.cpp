@@ -65,9 +65,10 @@ bool RawDeckName(const SpiceComp& comp, const WireOptions& options, std::string&
   if (label.find('$') != std::string::npos && !designator.empty() && designator != " " &&
       question != designator.size() - 1)
     text = designator;
-  std::string lowerPrefix = LowerText(prefix);
-  if (LowerText(label).compare(0, lowerPrefix.size(), lowerPrefix) != 0)
-    text = options.flatten ? prefix + "\\" + text : prefix + text;
+  // The label begins with the prefix, case aside: read in place, without lower-case copies.
+  const bool labelHasPrefix = label.size() >= prefix.size() &&
+                              EqualsIgnoringCase(std::string_view(label).substr(0, prefix.size()), prefix);
+  if (!labelHasPrefix) text = options.flatten ? prefix + "\\" + text : prefix + text;
   text.erase(std::remove(text.begin(), text.end(), '$'), text.end());
   if (options.flatten && !comp.hierName.empty())
     text = text.substr(0, 1) + "\\" + comp.hierName + "\\" + text.substr(std::min<size_t>(1, text.size()));

@@ -1,8 +1,12 @@
 // A component's nodes on its line: pin order, unconnected pins, bracketed HDL groups.
+#include <cstring>
+
 #include "expr/text.h"
 #include "gen/spice_gen.h"
 
 namespace {
+
+bool IsWhiteSpace(char c) { return std::strchr(kWhiteSpace, c) != nullptr && c != '\0'; }
 
 bool HoldsInnerBlank(const std::string& text) {
   return text.size() > 1 && text.find(' ', 1) != std::string::npos;
@@ -51,7 +55,8 @@ void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
 
 void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet* entry) {
   std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net);
-  TrimInPlace(node);
+  // Node texts rarely carry white space at an end: looked at before the trim is run.
+  if (!node.empty() && (IsWhiteSpace(node.front()) || IsWhiteSpace(node.back()))) TrimInPlace(node);
   if (group && entry && entry->busBit && entry->firstBit) {
     out << " ( " << node;
   } else if (group && entry && entry->busBit && entry->lastBit) {

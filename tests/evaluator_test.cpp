@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -96,6 +98,29 @@ TEST(EvaluateExpressionTest, Values) {
   EXPECT_EQ(bits, 0x3EFAA242B58735E9ULL);
 }
 
+// Plain numbers take a short way; they must come out as the postfix run gives them,
+// status and value, near that form as well.
+TEST(EvaluateExpressionTest, PlainNumbersAsThePostfixRunGivesThem) {
+  // clang-format off
+  const std::string texts[] = {
+      "1K", "1k", "2.2u", "10MEG", "10meg", "3mil", "3MIL", "1", "007", "1.5", ".5", "5.", ".",
+      "1.2.3", "1.2.3K", "1e", "1E3", "1kk", "1 K", " 1K", "1K ", "1Q", "1MILS", "1ME", "1T", "4G",
+      "7F", "8P", "9N", "2M", "1e400", std::string("1K\0", 3), "1e-400", "0.0001",
+      "123456789012345678901234567890"};
+  // clang-format on
+  for (const std::string& text : texts) {
+    std::string postfix;
+    double expected = 0;
+    int expectedStatus = InfixToPostfix(text, postfix);
+    if (expectedStatus == kEvaluationOk) expectedStatus = EvaluatePostfix(postfix, expected);
+    double value = 0;
+    EXPECT_EQ(EvaluateExpression(text, value), expectedStatus) << text;
+    if (expectedStatus == kEvaluationOk) {
+      EXPECT_EQ(value, expected) << text;
+    }
+  }
+}
+
 TEST(EvaluateExpressionTest, StatusOfBadTexts) {
   const std::pair<const char*, int> cases[] = {
       {"1E3", 3},    {"10UF", 3},     {"2*-3", 3}, {"1+-2", 3}, {"A+1", 3}, {"1.2.3", 3}, {".", 3},
@@ -149,6 +174,26 @@ TEST(FormatEngineeringTest, EachRowAndItsExclusiveLimit) {
   };
   for (const auto& [value, text] : cases) EXPECT_EQ(FormatEngineering(value), text) << value;
   EXPECT_EQ(FormatEngineering(1.7976931348623157e308).size(), 297u + 7u + 1u);
+}
+
+// Whole numbers take a short way; it must print what the fixed notation prints.
+TEST(FormatEngineeringTest, WholeNumbersAsTheFixedNotationPrintsThem) {
+  // clang-format off
+  const double values[] = {
+      1, 7, 999, 1000, -1000, 123456, -999999, 1e14, 999999999999999.0 * 1e12, 1e15 * 1e12,
+      4503599627370497.0 * 1e12, -2e27, 0.001, 0.000001, 2.5, -7.25, 1e-15, 3e-15};
+  // clang-format on
+  for (double value : values) {
+    const std::string text = FormatEngineering(value);
+    // The scale is the suffix; the number in front reads back as value / scale.
+    const size_t end = text.find_first_not_of("-0123456789.");
+    const std::string number = text.substr(0, end);
+    char buffer[400];
+    const double scaled = std::strtod(number.c_str(), nullptr);
+    std::to_chars_result written =
+        std::to_chars(buffer, buffer + sizeof buffer, scaled, std::chars_format::fixed, 6);
+    EXPECT_EQ(number, std::string(buffer, written.ptr)) << value;
+  }
 }
 
 }  // namespace

@@ -29,4 +29,38 @@ TEST(StringSet, TellsNewFromKnownInOrderThroughGrowthAndClear) {
   EXPECT_TRUE(set.Insert("N0"));
 }
 
+// Texts met again soon after they were added (found through the small cache of recent
+// texts) and long after (found through the index) answer alike, across growth and Clear.
+TEST(StringSet, TextsMetAgainSoonOrLateAreKnownOnce) {
+  struct Step {
+    const char* text;
+    bool added;
+  };
+  const Step steps[] = {
+      {"* N1 = 1", true}, {"* N1 = 1", false}, {"* N1 = 2", true},  {"* N1 = 1", false},
+      {"* N2 = 2", true}, {"* n2 = 2", true},  {"* N2 = 2", false}, {"", true},
+      {"", false},        {"* N1 = 2", false}, {"* N1 = 1 ", true}, {"* N1 = 1", false},
+  };
+  StringSet set;
+  for (int round = 0; round < 2; ++round) {
+    for (const Step& step : steps) {
+      auto [stored, added] = set.Add(step.text);
+      EXPECT_EQ(added, step.added) << round << " '" << step.text << "'";
+      EXPECT_EQ(stored, step.text);
+    }
+    // Far more texts than the small cache holds, each met again right away and at the end.
+    for (int i = 0; i < 5000; ++i) {
+      const std::string text = "* M" + std::to_string(i) + " = " + std::to_string(i + 1);
+      ASSERT_TRUE(set.Insert(text)) << text;
+      ASSERT_FALSE(set.Insert(text)) << text;
+    }
+    for (int i = 0; i < 5000; i += 7)
+      EXPECT_FALSE(set.Insert("* M" + std::to_string(i) + " = " + std::to_string(i + 1)));
+    EXPECT_EQ(set.Size(), 5006u);
+    for (const Step& step : steps) EXPECT_TRUE(set.Contains(step.text)) << step.text;
+    set.Clear();
+    EXPECT_FALSE(set.Contains("* N1 = 1"));
+  }
+}
+
 }  // namespace

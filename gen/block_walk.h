@@ -1,8 +1,10 @@
 // BlockWalk: what the generator keeps while it writes one block (and the component in hand).
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "design/node_names.h"
 #include "design/spice_comp.h"
@@ -11,6 +13,10 @@
 struct BlockWalk {
   /// Net name to node text; taken over from the block when it begins.
   NodeTable nodes;
+  /// By node table entry: the dictionary round in which its line was offered (see
+  /// CSpiceGen::OfferNetLine); empty while the lines are looked up by their text alone.
+  std::vector<uint32_t> linesOffered;
+  bool linesByEntry = false;
   /// The block's flat print expressions, ordered.
   std::map<std::string, bool> flatProbes;
   /// The block's generator components by their GENERATOR key.

@@ -132,10 +132,11 @@ class OrderExpander {
   void ExpandPin(const std::string& pinName) {
     const SpiceNet* pin = comp_.FindPin(pinName);
     const std::string net = pin ? pin->Name() : std::string();
-    std::string node = gen_.NodeName(net);
+    size_t position = SIZE_MAX;
+    std::string node = gen_.NodeName(net, position);
     body_ += node;
     body_ += ' ';
-    if (net != node) gen_.AddDictionaryLine("* " + net + " = " + node);
+    if (net != node) gen_.OfferNetLine(net, node, position);
   }
 
   // "NAME=" or "NAME=$": " NAME=value "; nothing without the attribute.

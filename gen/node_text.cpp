@@ -107,9 +107,17 @@ struct Filter {
 }  // namespace
 
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table) {
+  size_t position = 0;
+  return NodeName(options, name, table, position);
+}
+
+std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table, size_t& position) {
+  position = SIZE_MAX;
   if (name.empty()) return InventNode(options.inventedNodes, table);
   // One lookup finds the entry or makes its place.
-  std::string& node = table.try_emplace(name).first->second;
+  const auto entry = table.try_emplace(name).first;
+  position = static_cast<size_t>(entry - table.begin());
+  std::string& node = entry->second;
   if (IsGroundName(options, name)) node = "0";
   if (node.empty())
     node = options.useNodeNames ? LegalizeName(options, name) : std::to_string(++options.nextNodeNumber);

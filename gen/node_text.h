@@ -4,6 +4,7 @@
 // one node text wherever it appears.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "design/node_names.h"
@@ -12,6 +13,8 @@
 /// The one node text of `name` in `table`: invented for an empty name, "0" for GND...,
 /// else the table's entry, else a new number (options.nextNodeNumber) or legal name.
 std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table);
+/// The same, and the position of the net's entry in the table (SIZE_MAX for an invented node).
+std::string NodeName(WireOptions& options, const std::string& name, NodeTable& table, size_t& position);
 
 /// Filters `name` to the characters the chosen simulator accepts, cut to maxNameChars.
 std::string LegalizeName(const WireOptions& options, const std::string& name);

@@ -54,9 +54,14 @@ void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
 }
 
 void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet* entry) {
-  std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net);
-  // Node texts rarely carry white space at an end: looked at before the trim is run.
-  if (!node.empty() && (IsWhiteSpace(node.front()) || IsWhiteSpace(node.back()))) TrimInPlace(node);
+  size_t position = SIZE_MAX;
+  std::string node = HoldsInnerBlank(net) ? MapNodeList(net) : NodeName(net, position);
+  // Node texts rarely carry white space at an end: looked at before the trim is run. The line
+  // names the trimmed node; it is known by its entry only when that is the entry's node.
+  if (!node.empty() && (IsWhiteSpace(node.front()) || IsWhiteSpace(node.back()))) {
+    TrimInPlace(node);
+    position = SIZE_MAX;
+  }
   if (group && entry && entry->busBit && entry->firstBit) {
     out << " ( " << node;
   } else if (group && entry && entry->busBit && entry->lastBit) {
@@ -67,11 +72,7 @@ void CSpiceGen::WritePinNode(const std::string& net, bool group, const SpiceNet*
     out << ' ' << node;
   }
   if (node == "0") groundSeen = true;
-  if (!net.empty() && net != node) {
-    // One buffer for all the lines: most of them are there already.
-    dictionaryLine_.assign("* ").append(net).append(" = ").append(node);
-    AddDictionaryLine(dictionaryLine_);
-  }
+  if (!net.empty() && net != node) OfferNetLine(net, node, position);
 }
 
 std::string CSpiceGen::MapNodeList(std::string nets) {

@@ -85,6 +85,9 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
   // Most nets get their node while the pins are written: room for all of them at once
   // instead of a rehash at every doubling. The order of the table shows nowhere.
   walk.nodes.reserve(block.netCount);
+  // Lines offered by entry need a list that holds no line of another table.
+  walk.linesOffered.assign(block.netCount, 0);
+  walk.linesByEntry = dictionaryLines.Empty();
   for (const auto& [key, value] : config.nameMap) {
     std::string node = walk.nodes[value];
     walk.nodes[key] = node;

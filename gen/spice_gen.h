@@ -123,6 +123,9 @@ class CSpiceGen {
   // ---- gen/node_writer.cpp: nodes through this generator's table ----
   std::string NodeName(const std::string& name, NodeTable& table) { return ::NodeName(options, name, table); }
   std::string NodeName(const std::string& name) { return ::NodeName(options, name, walk.nodes); }
+  std::string NodeName(const std::string& name, size_t& position) {
+    return ::NodeName(options, name, walk.nodes, position);
+  }
 
   // ---- gen/pins.cpp ----
   void WritePins(const SpiceComp& comp, bool group);
@@ -133,6 +136,10 @@ class CSpiceGen {
 
   // ---- gen/dictionary.cpp ----
   void AddDictionaryLine(std::string_view line);
+  /// Offers the line "* net = node" of the single net `net`, whose entry is at `position` in
+  /// the node table: the line of an entry already offered since the dictionary was last
+  /// written is not looked up again.
+  void OfferNetLine(const std::string& net, const std::string& node, size_t position);
   void WriteDictionary(int flag);
   void OpenCrossReference(std::string group);
 
@@ -183,6 +190,9 @@ class CSpiceGen {
   DeckStream out;
   std::vector<std::string> notes;
   NewestFirstList dictionaryLines;
+  /// Counts the writes of the dictionary; an entry of walk.linesOffered equal to it was
+  /// offered since the last one.
+  uint32_t dictionaryRound = 1;
   ProbePassState probePass;
   std::vector<std::string> usedModels;
   std::unordered_set<std::string> usedModelsLower;  // index of usedModels, lower case

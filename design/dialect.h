@@ -57,6 +57,8 @@ struct Dialect {
   bool hdlModels = false;
   /// The deck goes to "genhdl\<root>\" unless an output folder is given (Kelpo).
   bool genhdlFolder = false;
+  /// The walk keeps each net's internal name by its node text, for the netUidMap file (Kelpo).
+  bool netUidMap = false;
 
   // ---- component lines ----
   /// An instance line expands its ORDER template behind the called block.

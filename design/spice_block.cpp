@@ -348,7 +348,8 @@ void SpiceBlock::ScanNet(const SpiceNet& net, const std::string& rawBlockName) {
   } else if (options.dialect.namesNetsAtLoad) {
     if (Peek(nodeMap, n).empty()) nodeMap[n] = naming->LegalName(options, n);
   }
-  if (tables) tables->netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
+  if (tables && options.dialect.netUidMap)
+    tables->netDictionary[rawBlockName + "/" + LowerText(Peek(nodeMap, n))] = net.InternalName();
 
   const std::string& probe = attribute("PROBE");
   if (!probe.empty()) probes.push_back(NetProbe{probe, naming->NodeName(options, n, nodeMap)});

@@ -59,6 +59,7 @@ Dialect DialectOf(const WireOptions& o) {
   d.globalNetMark = pspice;
   d.hdlModels = kelpo;
   d.genhdlFolder = kelpo;
+  d.netUidMap = kelpo;
 
   d.instanceParameters = pspice || kelpo || hspice || o.analogDeps;
   d.bracedExpressions = !hspice && !o.hdlSpiceSources;

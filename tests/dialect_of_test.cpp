@@ -89,7 +89,8 @@ TEST(DialectOf, EachFlavourAndItsModes) {
 TEST(DialectOf, KelpoFramesAndTheSpecialModes) {
   const Dialect kelpo = DialectOf(Switches(kKelpo));
   EXPECT_TRUE(kelpo.frame.hdlIncludes && kelpo.frame.generatorStatements && kelpo.hdlModels &&
-              kelpo.genhdlFolder);
+              kelpo.genhdlFolder && kelpo.netUidMap);
+  EXPECT_FALSE(DialectOf(Switches(kPspice)).netUidMap);
   EXPECT_FALSE(kelpo.frame.definitionsBehindRoot);
   const Dialect sources = DialectOf(Switches(kKelpo, false, true));
   EXPECT_TRUE(sources.frame.definitionsBehindRoot && sources.hdlSources);

@@ -14,11 +14,15 @@ const char* const kNetAttributeKeys[] = {"NODE", "PROBE", "IC", "NODESET", "GUES
 std::string NetName(const Tessel::INet& net, const NetAliasTable& aliases) {
   Tessel::String label;
   net.GetLabel(label);
-  auto alias = aliases.find(label.str());
-  if (alias != aliases.end() && !alias->second.empty()) return alias->second;
-  Tessel::String value;
-  net.GetAttribute("NET_ALIAS", value, Tessel::eAttrInstance);
-  if (!value.IsEmpty()) return value.str();
+  if (!aliases.empty()) {
+    auto alias = aliases.find(label.str());
+    if (alias != aliases.end() && !alias->second.empty()) return alias->second;
+  }
+  if (net.HasAttributes()) {
+    Tessel::String value;
+    net.GetAttribute("NET_ALIAS", value, Tessel::eAttrInstance);
+    if (!value.IsEmpty()) return value.str();
+  }
   return label.str();
 }
 
@@ -64,7 +68,7 @@ SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, const NetAl
   Tessel::String netLabel;
   net->GetLabel(netLabel);
   label = netLabel.str();
-  if (readAttributes) {
+  if (readAttributes && net->HasAttributes()) {
     for (const char* key : kNetAttributeKeys) {
       Tessel::String value;
       Tessel::Result read = net->GetAttribute(key, value, Tessel::eAttrInstance);

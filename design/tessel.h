@@ -258,6 +258,8 @@ class INet : public IObject {
   virtual Result GetLabel(String& label) const = 0;
   virtual Result IsGlobal(bool& global) const = 0;
   virtual Result GetAttribute(const String& key, String& value, EAttributeType level) const = 0;
+  /// False when the net has no attribute at all: a reader of many nets can skip asking.
+  virtual bool HasAttributes() const = 0;
   virtual Result GetInstanceIndex(Index& index) const = 0;
   virtual Result GetParentBlock(ContainerT<const IBlock>& block) const = 0;
   virtual Result GetListGroups(ListT<GroupInfo>& groups, EGroupType type) const = 0;

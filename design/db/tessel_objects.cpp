@@ -275,6 +275,8 @@ Result NetObj::GetAttribute(const String& key, String& value, Tessel::EAttribute
   return ReadAttr(db_, Record()->attrs, key, value);
 }
 
+bool NetObj::HasAttributes() const { return db_ && db_->design().attrs.PairCount(Record()->attrs) != 0; }
+
 Result NetObj::GetParentBlock(ContainerT<const Tessel::IBlock>& block) const {
   if (!db_) {
     block = ContainerT<const Tessel::IBlock>(InvalidShared<BlockObj>());

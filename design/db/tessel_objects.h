@@ -103,6 +103,7 @@ class NetObj : public Tessel::INet {
   Result GetLabel(String& label) const override;
   Result IsGlobal(bool& global) const override;
   Result GetAttribute(const String& key, String& value, Tessel::EAttributeType level) const override;
+  bool HasAttributes() const override;
   Result GetInstanceIndex(Tessel::Index& index) const override;
   Result GetParentBlock(Tessel::ContainerT<const Tessel::IBlock>& block) const override;
   Result GetListGroups(Tessel::ListT<Tessel::GroupInfo>& groups, Tessel::EGroupType type) const override;

@@ -232,3 +232,59 @@ TEST(MissingDatabase, AnotherSnapshotIsReportedAsOne) {
 }
 
 }  // namespace
+
+namespace {
+
+// A block large enough that its components are read in two stretches at once: damage in either
+// stretch, at the seam or behind the last row is refused as when the table is read in one go.
+class LargeDatabase : public CorruptDatabase {
+ protected:
+  void SetUp() override {
+    folder_ = MakeScratch("db-large");
+    std::string json =
+        R"({"symbols": {"RES.1": {"PREFIX": "R", "ORDER": "VALUE$"}}, "blocks": [{"name": "TOP",
+        "components": [)";
+    for (int i = 0; i < kCount; ++i) {
+      if (i) json += ',';
+      json += R"({"label": "R)" + std::to_string(i) + R"(", "name": "RES.1", "attributes": {"VALUE": "1K"},
+          "pins": [{"name": "A", "net": "N)" +
+              std::to_string(i) + R"("}, {"name": "B", "net": "N)" + std::to_string(i + 1) + R"("}]})";
+    }
+    json += "]}]}";
+    std::string error;
+    ASSERT_TRUE(ImportDesign(json, folder_.string(), error)) << error;
+    good_ = ReadText(DatabaseFile());
+  }
+  static constexpr int kCount = 40000;
+};
+
+TEST_F(LargeDatabase, BothStretchesAreReadWholeAndCheckedAsOne) {
+  std::string reason;
+  ASSERT_TRUE(Loads(good_, reason)) << reason;
+  vdb::Design design;
+  WriteText(DatabaseFile(), good_);
+  ASSERT_TRUE(vdb::LoadDesign(DatabaseFile().string(), design, reason));
+  ASSERT_EQ(design.comps.size(), static_cast<size_t>(kCount));
+  // Every component keeps its own two pins and their nets across the seam.
+  for (int i : {0, kCount / 2 - 1, kCount / 2, kCount - 1}) {
+    const vdb::CompRec& comp = design.comps[i];
+    ASSERT_EQ(comp.pinsCount, 2u) << i;
+    const vdb::PinRec& second = design.pins[comp.pinsBegin + 1];
+    ASSERT_EQ(second.netsCount, 1u) << i;
+    EXPECT_EQ(design.strings.View(design.nets[design.links[second.netsBegin]].label),
+              "N" + std::to_string(i + 1))
+        << i;
+  }
+  const std::string half = std::to_string(kCount / 2), last = std::to_string(kCount - 1);
+  for (const std::string& sql : std::vector<std::string>{
+           "UPDATE comps SET block = 7 WHERE id = 3", "UPDATE comps SET block = 7 WHERE id = " + half,
+           "DELETE FROM comps WHERE id = " + half, "DELETE FROM comps WHERE id = " + last,
+           "INSERT INTO comps SELECT id + 1, block, label, name, partition, type, child, inst_attrs, "
+           "def_attrs, "
+           "own_definition, grp, number, pins FROM comps WHERE id = " +
+               last,
+           "UPDATE comps SET pins = x'01' WHERE id = " + last})
+    ExpectRefused(Edited(sql), sql);
+}
+
+}  // namespace

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <functional>
 #include <system_error>
 #include <thread>
 
@@ -15,6 +16,8 @@ namespace vdb {
 namespace {
 
 constexpr const char* kFormat = "vesk-design 1";
+// From this many components on, the table is read in two stretches at once.
+constexpr uint32_t kTwoStretches = 1 << 15;
 
 /// Reads 32-bit words from a blob, refusing to run past its end.
 class WordReader {
@@ -252,8 +255,19 @@ bool LoadPorts(SqliteDb& db, Design& d, std::vector<uint32_t>& links) {
   return query.Finished();
 }
 
-bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
-  c.pinsBegin = static_cast<uint32_t>(d.pins.size());
+// The components of one stretch of the table, with their pins and links: numbered from the
+// starts of the lists given, which are the design's own for the first stretch.
+struct CompStretch {
+  uint32_t first = 0;  // the id of the first row
+  bool toEnd = true;   // true: every row from `first` on; false: the rows below `end`
+  uint32_t end = 0;
+  std::vector<CompRec>* comps;
+  std::vector<PinRec>* pins;
+  std::vector<uint32_t>* links;
+};
+
+bool ReadPins(WordReader& reader, CompRec& c, const CompStretch& to) {
+  c.pinsBegin = static_cast<uint32_t>(to.pins->size());
   while (!reader.Done()) {
     PinRec pin;
     uint32_t connected = 0, count = 0;
@@ -262,22 +276,28 @@ bool ReadPins(WordReader& reader, CompRec& c, Design& d) {
       return false;
     pin.connected = connected != 0;
     pin.netsCount = count;
-    pin.netsBegin = static_cast<uint32_t>(d.links.size());
-    if (!ReadLinks(reader, pin.netsCount, d.links)) return false;
-    d.pins.push_back(pin);
+    pin.netsBegin = static_cast<uint32_t>(to.links->size());
+    if (!ReadLinks(reader, pin.netsCount, *to.links)) return false;
+    to.pins->push_back(pin);
   }
-  if (d.pins.size() - c.pinsBegin >= kMaxPinsOrNets) return false;
-  c.pinsCount = static_cast<uint32_t>(d.pins.size() - c.pinsBegin);
+  if (to.pins->size() - c.pinsBegin >= kMaxPinsOrNets) return false;
+  c.pinsCount = static_cast<uint32_t>(to.pins->size() - c.pinsBegin);
   return true;
 }
 
-bool LoadComps(SqliteDb& db, Design& d) {
-  SqliteStmt query(
-      db,
-      "SELECT id, block, label, name, partition, type, child, inst_attrs, def_attrs, own_definition, "
-      "grp, number, pins FROM comps ORDER BY id");
+bool LoadComps(SqliteDb& db, const Design& d, const CompStretch& to) {
+  // The stretches split the table by id and together take every row (the first from the
+  // lowest id there is, the last to the highest): a row that no block owns is refused,
+  // wherever it stands.
+  const std::string sql = std::string(
+                              "SELECT id, block, label, name, partition, type, child, inst_attrs, def_attrs, "
+                              "own_definition, grp, number, pins FROM comps WHERE ") +
+                          (to.toEnd ? "id >= ?1" : "id >= ?1 AND id < ?2") + " ORDER BY id";
+  SqliteStmt query(db, sql.c_str());
+  query.Bind(1, to.first == 0 ? INT64_MIN : static_cast<int64_t>(to.first));
+  if (!to.toEnd) query.Bind(2, static_cast<int64_t>(to.end));
   while (query.Row()) {
-    uint32_t index = static_cast<uint32_t>(d.comps.size());
+    uint32_t index = to.first + static_cast<uint32_t>(to.comps->size());
     if (query.Int(0) != index) return false;
     int64_t block = query.Int(1);
     if (!OwnerMatches(d, block, index, &BlockRec::compsBegin, &BlockRec::compsEnd)) return false;
@@ -298,8 +318,8 @@ bool LoadComps(SqliteDb& db, Design& d) {
     size_t size = 0;
     const unsigned char* blob = query.Blob(12, size);  // sets `size`, so it must come first
     WordReader reader(blob, size);
-    if (!ReadPins(reader, c, d)) return false;
-    d.comps.push_back(c);
+    if (!ReadPins(reader, c, to)) return false;
+    to.comps->push_back(c);
   }
   return query.Finished();
 }
@@ -340,30 +360,64 @@ struct TableRead {
   }
 };
 
-// The components and their pins, on a connection of their own: they are the largest table,
-// and the other tables are read meanwhile. They fill only comps, pins and links; the blocks
-// they are checked against are read before and no longer change.
-void ReadComponents(const std::string& file, Design& design, TableRead& read) {
+// A table read on a connection of its own, so that it goes on while the other tables are
+// read: the components with their pins (the largest table, read in two stretches at once)
+// and the nets. Each fills only its own lists, and checks against the blocks, which are read
+// before and no longer change.
+using TableLoad = std::function<bool(SqliteDb&)>;
+
+void ReadOnOwnConnection(const std::string& file, const TableLoad& load, TableRead& read) {
   SqliteDb db;
   if (!db.Open(file, false)) {
     read.ok = false;
     read.message = db.Message();
     return;
   }
-  read.Run(db, LoadComps, design);
+  read.ok = load(db);
+  if (!read.ok) read.message = db.Message();
 }
 
-// ReadComponents on its own thread: what it throws (memory running out) is kept and thrown
-// again on the caller's thread once the thread has ended.
-void ReadComponentsKeepingFailure(const std::string& file, Design& design, TableRead& read,
-                                  std::exception_ptr& failure) {
-  try {
-    ReadComponents(file, design, read);
-  } catch (...) {
-    read.ok = false;
-    failure = std::current_exception();
+// A table read beside the others, on a thread of its own when one can be had. What it throws
+// (memory running out) is kept and thrown again by Finish, once the thread has ended.
+class SideRead {
+ public:
+  SideRead(const std::string& file, TableLoad load) : file_(file), load_(std::move(load)) {}
+  ~SideRead() {
+    if (thread_.joinable()) thread_.join();
   }
-}
+  SideRead(const SideRead&) = delete;
+  SideRead& operator=(const SideRead&) = delete;
+  void Start() {
+    try {
+      thread_ = std::thread([this] {
+        try {
+          ReadOnOwnConnection(file_, load_, read);
+        } catch (...) {
+          read.ok = false;
+          failure_ = std::current_exception();
+        }
+      });
+    } catch (const std::system_error&) {
+      // No thread: Finish reads the table.
+    }
+  }
+  /// Waits for the read, or reads the table here when no thread took it and `readHere`.
+  void Finish(bool readHere) {
+    if (thread_.joinable()) {
+      thread_.join();
+      if (failure_) std::rethrow_exception(failure_);
+    } else if (readHere) {
+      ReadOnOwnConnection(file_, load_, read);
+    }
+  }
+  TableRead read;
+
+ private:
+  const std::string& file_;
+  TableLoad load_;
+  std::thread thread_;
+  std::exception_ptr failure_;
+};
 
 }  // namespace
 
@@ -379,39 +433,50 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
   // tables are taken in this order; the first that fails is the one reported.
   enum { kMeta, kStrings, kAttrs, kBlocks, kSmall, kNets, kPorts, kComps, kTables };
   TableRead reads[kTables];
-  // The blocks are read ahead of their turn: the components need them, and they need nothing
-  // but their own table. The components are then read on a second thread.
+  // The blocks are read ahead of their turn: the components and the nets need them, and they
+  // need nothing but their own table. The components (in two stretches) and the nets are then
+  // read on threads of their own while this one reads the rest.
   const bool metaOk = reads[kMeta].Run(db, LoadMeta, design);
   const bool blocksOk = metaOk && reads[kBlocks].Run(db, LoadBlocks, design);
-  std::thread components;
-  std::exception_ptr componentsFailure;
+  const uint32_t compCount = design.blocks.empty() ? 0 : design.blocks.back().compsEnd;
+  const bool twoStretches = compCount >= kTwoStretches;
+  std::vector<CompRec> laterComps;
+  std::vector<PinRec> laterPins;
+  std::vector<uint32_t> laterLinks;
+  const CompStretch firstStretch{0, !twoStretches, compCount / 2, &design.comps, &design.pins, &design.links};
+  const CompStretch laterStretch{compCount / 2, true, 0, &laterComps, &laterPins, &laterLinks};
+  SideRead firstComps(file, [&](SqliteDb& side) { return LoadComps(side, design, firstStretch); });
+  SideRead laterCompsRead(file, [&](SqliteDb& side) { return LoadComps(side, design, laterStretch); });
+  SideRead netsRead(file, [&](SqliteDb& side) { return LoadNets(side, design); });
   if (blocksOk) {
-    try {
-      components = std::thread(ReadComponentsKeepingFailure, std::cref(file), std::ref(design),
-                               std::ref(reads[kComps]), std::ref(componentsFailure));
-    } catch (const std::system_error&) {
-      // No second thread: the components are read behind the other tables.
-    }
+    firstComps.Start();
+    if (twoStretches) laterCompsRead.Start();
+    netsRead.Start();
   }
-  // The thread must end before anything leaves this function, a throw included.
-  struct Joiner {
-    std::thread& thread;
-    ~Joiner() {
-      if (thread.joinable()) thread.join();
-    }
-  } joiner{components};
   std::vector<uint32_t> portLinks;
-  bool ok = metaOk && reads[kStrings].Run(db, LoadStrings, design) && reads[kAttrs].Run(db, LoadAttrLists, design) &&
-            blocksOk && reads[kSmall].Run(db, LoadSmallTables, design) && reads[kNets].Run(db, LoadNets, design);
+  bool ok = metaOk && reads[kStrings].Run(db, LoadStrings, design) &&
+            reads[kAttrs].Run(db, LoadAttrLists, design) && blocksOk &&
+            reads[kSmall].Run(db, LoadSmallTables, design);
+  netsRead.Finish(ok);
+  if (ok) reads[kNets] = netsRead.read;
+  ok = ok && netsRead.read.ok;
   if (ok && !LoadPorts(db, design, portLinks)) {
     reads[kPorts].ok = ok = false;
     reads[kPorts].message = db.Message();
   }
-  if (components.joinable()) {
-    components.join();
-    if (componentsFailure) std::rethrow_exception(componentsFailure);
-  } else if (ok) {
-    ReadComponents(file, design, reads[kComps]);
+  firstComps.Finish(ok);
+  if (twoStretches) laterCompsRead.Finish(ok && firstComps.read.ok);
+  // The first stretch's failure is the one reading the table in order would meet first.
+  if (ok) reads[kComps] = !firstComps.read.ok ? firstComps.read : laterCompsRead.read;
+  if (ok && reads[kComps].ok && twoStretches) {
+    // The later stretch stands behind the first: its pins and links are numbered on.
+    const uint32_t pinBase = static_cast<uint32_t>(design.pins.size());
+    const uint32_t linkBase = static_cast<uint32_t>(design.links.size());
+    for (CompRec& c : laterComps) c.pinsBegin += pinBase;
+    for (PinRec& pin : laterPins) pin.netsBegin += linkBase;
+    design.comps.insert(design.comps.end(), laterComps.begin(), laterComps.end());
+    design.pins.insert(design.pins.end(), laterPins.begin(), laterPins.end());
+    design.links.insert(design.links.end(), laterLinks.begin(), laterLinks.end());
   }
   for (const TableRead& read : reads) {
     if (read.ok) continue;

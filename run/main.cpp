@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "design/platform.h"
 #include "design/spice_project.h"
@@ -11,6 +12,9 @@
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
 #include "model/model_files.h"
+#include "post/deck_passes_stream.h"
+#include "post/print_statements.h"
+#include "run/hier_passes.h"
 #include "run/streamed_run.h"
 
 #ifndef VESK_VERSION
@@ -41,6 +45,28 @@ int RunClassic(const WireOptions& options, const std::string& group) {
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice. The passes only reread the deck, so
   // the design's memory goes back before they hold the deck's text.
+  if (PassesMayStream(options) && !path.empty()) {
+    // Both passes run on the text as it is written, on a thread of their own, and the deck is
+    // written once. The post pass reads its own copy of the configuration (it sets the strip
+    // flags) and no internal names, which only "-param.txt" sections would ask for.
+    SpiceConfig postConfig = gen.config;
+    ReadStripWords(postConfig);
+    std::string postInstance;
+    const std::unordered_map<std::string, std::string> noInternalNames;
+    PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
+    // Flat decks got their print statements while written; -i and -e want none.
+    const bool probe = !options.ignorePrints && !options.dialect.dracula;
+    gen.probePass.probeScopeTail = gen.probePass.NewProbeScope();
+    const PrintSettings printSettings = PrintSettingsOf(options);
+    DeckPassesStream passes(probe ? &gen.probePass : nullptr, printSettings, settings, deck);
+    gen.Run(*project, passes);
+    passes.Finish();
+    project.reset();
+    if (!deck.Commit()) return kExitWriteFailed;
+    // The passes' messages come behind the generator's, as when they ran on the written deck.
+    std::cout << passes.Messages();
+    return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
+  }
   gen.Run(*project, deck);
   project.reset();
   // A deck that could not be written leaves the old one, which the passes must not touch.

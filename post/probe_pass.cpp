@@ -330,7 +330,9 @@ class ProbePass {
 
   ProbeScope*& Tail() { return state_.probeScopeTail; }
 
-  static constexpr size_t kHandOnSize = 1 << 20;
+  // Small pieces: the pass behind this one (the post pass, on the same thread) starts on
+  // them at once, so little of their work is left when the last line comes.
+  static constexpr size_t kHandOnSize = 64 << 10;
   ProbeLineSource& reader_;
   ProbePassState& state_;
   const PrintSettings& settings_;

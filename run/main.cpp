@@ -60,8 +60,9 @@ int RunClassic(const WireOptions& options, const std::string& group) {
     const PrintSettings printSettings = PrintSettingsOf(options);
     DeckPassesStream passes(probe ? &gen.probePass : nullptr, printSettings, settings, deck);
     gen.Run(*project, passes);
-    passes.Finish();
+    // The design's memory goes back while the passes finish the deck's last lines.
     project.reset();
+    passes.Finish();
     if (!deck.Commit()) return kExitWriteFailed;
     // The passes' messages come behind the generator's, as when they ran on the written deck.
     std::cout << passes.Messages();

@@ -24,7 +24,8 @@
 namespace {
 
 // One run of the flavour `Flavour` in the classic order: the whole walk, the configuration,
-// the deck, then the passes over the written deck; returns the exit code.
+// the deck, then the passes (on its text as it is written when they may, else over the
+// written deck); returns the exit code.
 template <class Flavour>
 int RunClassic(const WireOptions& options, const std::string& group) {
   Flavour gen(options);
@@ -43,8 +44,7 @@ int RunClassic(const WireOptions& options, const std::string& group) {
   DeckFile deck;
   deck.Open(FileSystemPath(path));
   // The generator writes from the walked design itself: nothing reads the project after the
-  // run, and a copy would hold every component twice. The passes only reread the deck, so
-  // the design's memory goes back before they hold the deck's text.
+  // run, and a copy would hold every component twice.
   if (PassesMayStream(options) && !path.empty()) {
     // Both passes run on the text as it is written, on a thread of their own, and the deck is
     // written once. The post pass reads its own copy of the configuration (it sets the strip
@@ -69,6 +69,7 @@ int RunClassic(const WireOptions& options, const std::string& group) {
     return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
   }
   gen.Run(*project, deck);
+  // The passes only reread the deck: the design's memory goes back before they hold its text.
   project.reset();
   // A deck that could not be written leaves the old one, which the passes must not touch.
   if (!deck.Commit()) return kExitWriteFailed;

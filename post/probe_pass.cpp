@@ -70,10 +70,10 @@ std::string ModelName(const std::string& line) {
 }
 
 // Reads a text line by line, as a text-mode file would: "\r\n" reads as an end of line.
-class LineReader {
+class LineReader : public ProbeLineSource {
  public:
   explicit LineReader(const std::string& text) : text_(text) {}
-  bool Read(std::string& line) {
+  bool Read(std::string& line) override {
     if (pos_ >= text_.size()) return false;
     size_t end = text_.find('\n', pos_);
     if (end == std::string::npos) end = text_.size();
@@ -165,11 +165,14 @@ void ReportDuplicates(ProbePassState& state, std::ostream& console) {
 namespace {
 
 // One run of the line loop: take a line, copy it, look ahead and join, act on it.
+// The text made goes to `sink` in large pieces as it grows when there is one; Run returns
+// the rest. Output is only ever appended, so a piece cut at any line is final.
 class ProbePass {
  public:
-  ProbePass(const std::string& text, ProbePassState& state, const PrintSettings& settings)
-      : reader_(text), state_(state), settings_(settings) {
-    output_.reserve(text.size() + text.size() / 8 + 64);
+  ProbePass(ProbeLineSource& reader, ProbePassState& state, const PrintSettings& settings, size_t sizeHint,
+            std::ostream* sink)
+      : reader_(reader), state_(state), settings_(settings), sink_(sink) {
+    output_.reserve(sizeHint);
   }
 
   std::string Run() {
@@ -178,6 +181,10 @@ class ProbePass {
       if (!IsWrittenByAct(line)) output_.append(line).append("\n");
       Join(line);
       Act(line);
+      if (sink_ && output_.size() >= kHandOnSize) {
+        sink_->write(output_.data(), static_cast<std::streamsize>(output_.size()));
+        output_.clear();
+      }
     }
     return std::move(output_);
   }
@@ -323,9 +330,13 @@ class ProbePass {
 
   ProbeScope*& Tail() { return state_.probeScopeTail; }
 
-  LineReader reader_;
+  // Small pieces: the pass behind this one (the post pass, on the same thread) starts on
+  // them at once, so little of their work is left when the last line comes.
+  static constexpr size_t kHandOnSize = 64 << 10;
+  ProbeLineSource& reader_;
   ProbePassState& state_;
   const PrintSettings& settings_;
+  std::ostream* sink_;
   std::string output_;
   // Lines read ahead, to be taken before the file's next: the first queuedCount_ entries,
   // the last one first. Nearly every line goes through here once, so the entries stay and
@@ -344,8 +355,18 @@ class ProbePass {
 std::string ProbeProcessText(const std::string& text, ProbePassState& state, const PrintSettings& settings,
                              std::ostream& console) {
   if (!state.probeScopeTail) state.probeScopeTail = state.NewProbeScope();
-  std::string output = ProbePass(text, state, settings).Run();
+  LineReader reader(text);
+  std::string output = ProbePass(reader, state, settings, text.size() + text.size() / 8 + 64, nullptr).Run();
   ReportDuplicates(state, console);
   output += " \n";
   return output;
+}
+
+void ProbeProcessLines(ProbeLineSource& source, ProbePassState& state, const PrintSettings& settings,
+                       std::ostream& target, std::ostream& console) {
+  if (!state.probeScopeTail) state.probeScopeTail = state.NewProbeScope();
+  std::string rest = ProbePass(source, state, settings, 0, &target).Run();
+  ReportDuplicates(state, console);
+  rest += " \n";
+  target.write(rest.data(), static_cast<std::streamsize>(rest.size()));
 }

@@ -8,11 +8,24 @@
 #include "post/print_statements.h"
 #include "post/probe_scope.h"
 
+/// Where the pass reads the deck's lines from: each line without its line end ("\r\n"
+/// reads as an end of line too); false when there are no more.
+class ProbeLineSource {
+ public:
+  virtual ~ProbeLineSource() = default;
+  virtual bool Read(std::string& line) = 0;
+};
+
 /// Runs the pass over the whole text of a deck and returns the new text, which ends
 /// in " \n". Duplicate definitions are reported on `console`. The state must hold the
 /// first scope (one is made when it does not).
 std::string ProbeProcessText(const std::string& text, ProbePassState& state, const PrintSettings& settings,
                              std::ostream& console);
+
+/// The same pass over the lines of `source`: the new text (the one ProbeProcessText makes of
+/// the whole) goes to `target` in large pieces as the lines come.
+void ProbeProcessLines(ProbeLineSource& source, ProbePassState& state, const PrintSettings& settings,
+                       std::ostream& target, std::ostream& console);
 
 /// Enters a probe of `kind` ("v" or "c") in the scope of `subcircuit`; returns the scope
 /// to go on with, a new one at the end of the chain when `scope` belongs to another.

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "design/platform.h"
 #include "design/spice_project.h"
@@ -11,6 +12,9 @@
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
 #include "model/model_files.h"
+#include "post/deck_passes_stream.h"
+#include "post/print_statements.h"
+#include "run/hier_passes.h"
 #include "run/streamed_run.h"
 
 #ifndef VESK_VERSION
@@ -20,7 +24,8 @@
 namespace {
 
 // One run of the flavour `Flavour` in the classic order: the whole walk, the configuration,
-// the deck, then the passes over the written deck; returns the exit code.
+// the deck, then the passes (on its text as it is written when they may, else over the
+// written deck); returns the exit code.
 template <class Flavour>
 int RunClassic(const WireOptions& options, const std::string& group) {
   Flavour gen(options);
@@ -39,9 +44,32 @@ int RunClassic(const WireOptions& options, const std::string& group) {
   DeckFile deck;
   deck.Open(FileSystemPath(path));
   // The generator writes from the walked design itself: nothing reads the project after the
-  // run, and a copy would hold every component twice. The passes only reread the deck, so
-  // the design's memory goes back before they hold the deck's text.
+  // run, and a copy would hold every component twice.
+  if (PassesMayStream(options) && !path.empty()) {
+    // Both passes run on the text as it is written, on a thread of their own, and the deck is
+    // written once. The post pass reads its own copy of the configuration (it sets the strip
+    // flags) and no internal names, which only "-param.txt" sections would ask for.
+    SpiceConfig postConfig = gen.config;
+    ReadStripWords(postConfig);
+    std::string postInstance;
+    const std::unordered_map<std::string, std::string> noInternalNames;
+    PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
+    // Flat decks got their print statements while written; -i and -e want none.
+    const bool probe = !options.ignorePrints && !options.dialect.dracula;
+    gen.probePass.probeScopeTail = gen.probePass.NewProbeScope();
+    const PrintSettings printSettings = PrintSettingsOf(options);
+    DeckPassesStream passes(probe ? &gen.probePass : nullptr, printSettings, settings, deck);
+    gen.Run(*project, passes);
+    // The design's memory goes back while the passes finish the deck's last lines.
+    project.reset();
+    passes.Finish();
+    if (!deck.Commit()) return kExitWriteFailed;
+    // The passes' messages come behind the generator's, as when they ran on the written deck.
+    std::cout << passes.Messages();
+    return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
+  }
   gen.Run(*project, deck);
+  // The passes only reread the deck: the design's memory goes back before they hold its text.
   project.reset();
   // A deck that could not be written leaves the old one, which the passes must not touch.
   if (!deck.Commit()) return kExitWriteFailed;

@@ -51,10 +51,12 @@ TEST(WriteFaultTest, EachFailureIsReportedAndLosesNothing) {
        "Error: cannot write TOP.cir: No space left on device\n", true},
       {"deck rename refused", "rename:TOP.cir:1", false, "TOP.cir",
        "Error: cannot write TOP.cir: Permission denied\n", true},
-      {"disk full while the probe pass replaces the deck", "full:TOP.cir:2", false, "TOP.cir",
-       "Error: cannot write TOP.cir: No space left on device\nCannot remove file 'TOP.cir'\n", false},
-      {"disk full while the post pass replaces the deck", "full:TOP.cir:3", false, "TOP.cir",
-       "Error: cannot write TOP.cir: No space left on device\n", false},
+      // A Kelpo deck is written whole, then replaced by each pass (a Pspice -h deck is written
+      // once, through both passes: see DeckOfAHierarchicalRunIsWrittenOnce).
+      {"disk full while the probe pass replaces the deck", "full:TOP.cir:2", true, "genhdl/TOP/TOP.cir",
+       "Error: cannot write genhdl/TOP/TOP.cir: No space left on device\nCannot remove file 'genhdl\\TOP\\TOP.cir'\n", false},
+      {"disk full while the post pass replaces the deck", "full:TOP.cir:3", true, "genhdl/TOP/TOP.cir",
+       "Error: cannot write genhdl/TOP/TOP.cir: No space left on device\n", false},
       {"disk full writing the cross reference", "full:TOP.xrf", false, "TOP.xrf",
        "Error: cannot write TOP.xrf: No space left on device\n", true},
       {"disk full writing a -param.txt file", "full:-param.txt", true, "sym/OpAmp-param.txt",
@@ -89,6 +91,24 @@ TEST(WriteFaultTest, EachFailureIsReportedAndLosesNothing) {
       EXPECT_NE(run.deck, old);
       EXPECT_NE(run.deck.find("*.END"), std::string::npos) << run.deck;
     }
+    EXPECT_EQ(LeftOvers(run.folder), "");
+  }
+}
+
+// The passes of a Pspice -h deck run on its text as it is written: the deck file is written once,
+// so a fault on any later write of it finds none, and the deck is the one of a run without faults.
+TEST(WriteFaultTest, DeckOfAHierarchicalRunIsWrittenOnce) {
+  const VeskRun clean = RunVesk(Probed(), "-h TOP");
+  ASSERT_EQ(clean.rc, 0) << clean.output;
+  for (const char* fault : {"full:TOP.cir:2+", "rename:TOP.cir:2+", "folder:TOP.cir:2+"}) {
+    SCOPED_TRACE(fault);
+    VeskInput input;
+    input.env["VESK_WRITE_FAULT"] = fault;
+    input.files["TOP.cir"] = kOldDeck;
+    VeskRun run = RunVesk(Probed(), "-h TOP", input);
+    EXPECT_EQ(run.rc, 0) << run.output;
+    EXPECT_EQ(run.output, clean.output);
+    EXPECT_EQ(run.deck, clean.deck);
     EXPECT_EQ(LeftOvers(run.folder), "");
   }
 }

@@ -1,0 +1,94 @@
+// DeckPassesStream: deck text in, text of both passes out, the passes on their own thread.
+#include "post/deck_passes_stream.h"
+
+#include <utility>
+
+#include "post/post_stream.h"
+
+DeckPassesStream::DeckPassesStream(ProbePassState* probeState, const PrintSettings& printSettings,
+                                   PostSettings& postSettings, std::ostream& target)
+    : std::ostream(static_cast<std::streambuf*>(this)),
+      probeState_(probeState),
+      printSettings_(printSettings),
+      postSettings_(postSettings),
+      target_(target) {
+  worker_ = std::thread([this] { Work(); });
+}
+
+DeckPassesStream::~DeckPassesStream() {
+  toPasses_.Stop();
+  if (worker_.joinable()) worker_.join();
+}
+
+std::streambuf::int_type DeckPassesStream::overflow(std::streambuf::int_type c) {
+  using Traits = std::streambuf::traits_type;
+  if (Traits::eq_int_type(c, Traits::eof())) return Traits::not_eof(c);
+  input_ += Traits::to_char_type(c);
+  if (input_.size() >= kPieceSize) Send();
+  return c;
+}
+
+std::streamsize DeckPassesStream::xsputn(const char* text, std::streamsize size) {
+  input_.append(text, static_cast<size_t>(size));
+  if (input_.size() >= kPieceSize) Send();
+  return size;
+}
+
+void DeckPassesStream::Send() {
+  // After a failure of the passes nothing reads the text any more; Finish reports it.
+  toPasses_.Push(std::move(input_));
+  input_.clear();
+  WriteDone();
+}
+
+void DeckPassesStream::WriteDone() {
+  std::deque<std::string> done;
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    done.swap(done_);
+  }
+  for (const std::string& piece : done) target_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+}
+
+std::streambuf::int_type DeckPassesStream::HandBack::overflow(int_type c) {
+  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+  const char one = traits_type::to_char_type(c);
+  return xsputn(&one, 1) == 1 ? c : traits_type::eof();
+}
+
+std::streamsize DeckPassesStream::HandBack::xsputn(const char* text, std::streamsize size) {
+  if (size <= 0) return 0;
+  std::string piece(text, static_cast<size_t>(size));
+  std::lock_guard<std::mutex> lock(owner_.mutex_);
+  owner_.done_.push_back(std::move(piece));
+  return size;
+}
+
+void DeckPassesStream::Work() {
+  try {
+    PostProcessStream post(postSettings_, made_);
+    QueuedLineReader lines(toPasses_);
+    if (probeState_) {
+      ProbeProcessLines(lines, *probeState_, printSettings_, post, messages_);
+    } else {
+      std::string piece;
+      while (toPasses_.Pop(piece)) post.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+    }
+    post.Finish();
+  } catch (...) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    failure_ = std::current_exception();
+    toPasses_.Stop();
+  }
+}
+
+void DeckPassesStream::Finish() {
+  if (!input_.empty()) Send();
+  toPasses_.Close();
+  worker_.join();
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (failure_) std::rethrow_exception(failure_);
+  }
+  WriteDone();
+}

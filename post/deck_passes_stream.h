@@ -1,0 +1,74 @@
+// DeckPassesStream: the probe pass and the post-process pass of a hierarchical deck run on its
+// text while the generator writes it, so the deck is written once instead of three times.
+#pragma once
+
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <ostream>
+#include <sstream>
+#include <streambuf>
+#include <string>
+#include <thread>
+
+#include "post/post_process.h"
+#include "post/probe_pass.h"
+#include "post/text_queue.h"
+
+/// An ostream whose text goes, in large pieces, to a thread of its own that runs the probe pass
+/// (when `probeState` is given) and then the post-process pass on it. What the passes make comes
+/// back and is written to `target` on the writer's thread, so the passes' thread touches neither
+/// the target nor the console: the probe pass's messages are held for Messages. The text that
+/// reaches the target is the one the two passes make of the whole deck, one after the other.
+/// The state and settings are the passes' alone while they run.
+class DeckPassesStream : private std::streambuf, public std::ostream {
+ public:
+  DeckPassesStream(ProbePassState* probeState, const PrintSettings& printSettings, PostSettings& postSettings,
+                   std::ostream& target);
+  /// Stops the passes' thread; the text not yet finished is dropped.
+  ~DeckPassesStream() override;
+  DeckPassesStream(const DeckPassesStream&) = delete;
+  DeckPassesStream& operator=(const DeckPassesStream&) = delete;
+  /// Every line through both passes and into the target; rethrows what a pass threw.
+  void Finish();
+  /// What the probe pass would have printed (its duplicate definitions), once Finish is done.
+  std::string Messages() const { return messages_.str(); }
+
+ private:
+  static constexpr size_t kPieceSize = 1 << 20;
+  static constexpr size_t kPiecesAhead = 4;
+
+  // Where the post pass's text goes on the passes' thread: into the pieces the writer's
+  // thread takes.
+  class HandBack : public std::streambuf {
+   public:
+    explicit HandBack(DeckPassesStream& owner) : owner_(owner) {}
+
+   private:
+    int_type overflow(int_type c) override;
+    std::streamsize xsputn(const char* text, std::streamsize size) override;
+    DeckPassesStream& owner_;
+  };
+
+  std::streambuf::int_type overflow(std::streambuf::int_type c) override;
+  std::streamsize xsputn(const char* text, std::streamsize size) override;
+  /// Hands the text held to the passes (waiting while they are kPiecesAhead pieces behind).
+  void Send();
+  /// Writes what the passes have made so far to the target.
+  void WriteDone();
+  void Work();
+
+  ProbePassState* probeState_;
+  const PrintSettings& printSettings_;
+  PostSettings& postSettings_;
+  std::ostream& target_;
+  std::string input_;  // the writer's side
+  TextQueue toPasses_{kPiecesAhead};
+  HandBack handBack_{*this};
+  std::ostream made_{&handBack_};  // the passes' side
+  std::ostringstream messages_;    // the passes' side until Finish
+  std::mutex mutex_;
+  std::deque<std::string> done_;
+  std::exception_ptr failure_;
+  std::thread worker_;
+};

@@ -193,7 +193,7 @@ void SpiceBlock::Load(Tessel::ContainerT<const Tessel::IBlock>& blockHandle,
 
 void SpiceBlock::LoadComponents(Tessel::ContainerT<const Tessel::IBlock>& blockHandle,
                                 Tessel::ContainerT<const Tessel::IPath>& path, WireOptions blockOptions,
-                                std::string blockInstancePath, bool byPath) {
+                                std::string blockInstancePath, bool byPath, bool collect) {
   netAliases.clear();
   block = blockHandle;
   name.clear();
@@ -205,7 +205,7 @@ void SpiceBlock::LoadComponents(Tessel::ContainerT<const Tessel::IBlock>& blockH
   options.usedNames->Clear();
   if (block.Empty()) return;
   ScanShunts(block);
-  if (!options.flatten) CollectComponents(path, byPath);
+  if (!options.flatten && collect) CollectComponents(path, byPath);
   Tessel::String blockName;
   block->GetName(blockName);
   name = StripBlockPrefix(blockName.str());
@@ -289,6 +289,26 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
     second.join();
     if (secondFailure) std::rethrow_exception(secondFailure);
   }
+}
+
+bool SpiceBlock::StreamComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath,
+                                  FlatComponentSink* sink) {
+  Tessel::IteratorT<const Tessel::IComp> it;
+  if (byPath && !path.Empty())
+    path->GetIterComps(it);
+  else
+    block->GetIterComps(it, Tessel::eCompAll);
+  for (; it->IsValid(); it++) {
+    const Tessel::IComp& loaded = *it.operator->();
+    if (!IsLoadedComp(loaded)) continue;
+    SpiceComp comp;
+    comp.uidManager = uidManager;
+    comp.LoadAllButPins(it, options, instancePath, modelMapper, *naming, &gatheredAttributes);
+    if (!comp.excluded) comp.LoadPins(loaded, netAliases);
+    if (!sink->Take(std::move(comp))) return false;
+  }
+  gatheredAttributes = GatheredAttributesCache();
+  return true;
 }
 
 void SpiceBlock::ScanPorts() {

@@ -50,9 +50,13 @@ class SpiceBlock {
   /// Load in two steps, for a flat walk that starts before the nodes are scanned: the
   /// shunts and (hierarchical) components, then the ports and nets into the node tables.
   /// The second step writes nothing the flat walk reads.
+  /// Without `collect` the components of a hierarchical block are left for StreamComponents.
   void LoadComponents(Tessel::ContainerT<const Tessel::IBlock>& block,
                       Tessel::ContainerT<const Tessel::IPath>& path, WireOptions options,
-                      std::string instancePath, bool byPath);
+                      std::string instancePath, bool byPath, bool collect = true);
+  /// The components of a hierarchical block handed to `sink` one at a time as they load, in
+  /// the order of the list; false when the sink has stopped taking them.
+  bool StreamComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath, FlatComponentSink* sink);
   void ScanNodes();
   void AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp);
   /// Loads one component of the flat walk into the list, or hands it to `sink` when there is

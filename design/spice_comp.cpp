@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <unordered_set>
 
 #include "expr/text.h"
@@ -34,9 +35,21 @@ bool IsBareExempt(const std::string& key) {
 
 // ---- AttributeTable ----
 
+// Components of two blocks may load at once (a hierarchical deck's root beside its
+// sub-blocks): the two tables of interned texts and lists take one at a time.
+namespace {
+
+std::mutex& InternLock() {
+  static std::mutex lock;
+  return lock;
+}
+
+}  // namespace
+
 const std::string* InternText(const std::string& text) {
   // Node-based, so the texts never move; they live until the process ends.
   static std::unordered_set<std::string>* texts = new std::unordered_set<std::string>();
+  std::lock_guard<std::mutex> hold(InternLock());
   return &*texts->insert(text).first;
 }
 
@@ -65,6 +78,7 @@ const AttributeList* InternList(AttributeList list) {
   // Node-based, so the lists never move; they live until the process ends.
   using ListSet = std::unordered_set<AttributeList, ListHash>;
   static ListSet* lists = new ListSet();
+  std::lock_guard<std::mutex> hold(InternLock());
   return &*lists->insert(std::move(list)).first;
 }
 
@@ -373,12 +387,13 @@ void SpiceComp::LoadPinsFlat(const Tessel::IComp& comp, const PinNodeTable& pinN
 void SpiceComp::Load(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
                      const std::string& blockPath, const NetAliasTable& aliases, ModelMapper mapper,
                      const DeckNaming& naming, GatheredAttributesCache* gathered) {
-  if (LoadAllButPins(compIter, options, blockPath, mapper, naming, gathered)) LoadPins(*compIter.operator->(), aliases);
+  if (LoadAllButPins(compIter, options, blockPath, mapper, naming, gathered))
+    LoadPins(*compIter.operator->(), aliases);
 }
 
-bool SpiceComp::LoadAllButPins(const Tessel::IteratorT<const Tessel::IComp>& compIter, const WireOptions& options,
-                               const std::string& blockPath, ModelMapper mapper, const DeckNaming& naming,
-                               GatheredAttributesCache* gathered) {
+bool SpiceComp::LoadAllButPins(const Tessel::IteratorT<const Tessel::IComp>& compIter,
+                               const WireOptions& options, const std::string& blockPath, ModelMapper mapper,
+                               const DeckNaming& naming, GatheredAttributesCache* gathered) {
   const Tessel::IComp& comp = *compIter.operator->();
   attrs = AttributeTable();
   pinNets.clear();

@@ -114,7 +114,7 @@ void SpiceProject::ReleaseWalkState() {
 void SpiceProject::SetOptions(WireOptions newOptions) { options = std::move(newOptions); }
 
 SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
-                                   std::string& rootPath, bool scanNodes) {
+                                   std::string& rootPath, bool scanNodes, bool collectComponents) {
   std::string path = rootPath;
   ReplaceAll(path, '/', '\\');
   size_t last = path.rfind('\\');
@@ -134,15 +134,20 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   }
   snapshot->GetBlock(block, hits.GetIterator()->index);
 
-  Tessel::ContainerT<const Tessel::IPath> rootOccurrence;
-  bool byPath = !tail.empty() && FindSubPath(uidManager, block, tail, rootOccurrence);
+  rootOccurrence = Tessel::ContainerT<const Tessel::IPath>();
+  const bool byPath = !tail.empty() && FindSubPath(uidManager, block, tail, rootOccurrence);
+  rootByPath = byPath;
   rootBlock.uidManager = uidManager;
   rootBlock.tables = &tables;
   rootBlock.modelMapper = modelMapper;
   rootBlock.naming = naming;
-  rootBlock.LoadComponents(block, rootOccurrence, options, "", byPath);
+  rootBlock.LoadComponents(block, rootOccurrence, options, "", byPath, collectComponents);
   if (scanNodes) ScanRootNodes();
   return rootBlock;
+}
+
+bool SpiceProject::StreamRootComponents(FlatComponentSink* sink) {
+  return rootBlock.StreamComponents(rootOccurrence, rootByPath, sink);
 }
 
 void SpiceProject::ScanRootNodes() {

@@ -23,8 +23,11 @@ class SpiceProject {
   /// Finds the root block and loads it; without `scanNodes` its ports and nets are left for
   /// ScanRootNodes, which may then run beside a flat walk.
   SpiceBlock& FindRoot(std::string group, Tessel::ContainerT<const Tessel::IBlock>& block,
-                       std::string& rootPath, bool scanNodes = true);
+                       std::string& rootPath, bool scanNodes = true, bool collectComponents = true);
   void ScanRootNodes();
+  /// The root's components, left by FindRoot without `collectComponents`, handed to `sink`
+  /// as they load (see SpiceBlock::StreamComponents).
+  bool StreamRootComponents(FlatComponentSink* sink);
   void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
   /// The flat walk: every primitive below the root, into the root's component list or, with a
   /// sink, handed to the sink one at a time (the root's list stays empty).
@@ -54,6 +57,9 @@ class SpiceProject {
   std::vector<SpiceBlock> subBlocks;
   /// Global nets and the net dictionary of all blocks, for the generator.
   WalkTables tables;
+  /// Where FindRoot found the root's components, for StreamRootComponents.
+  Tessel::ContainerT<const Tessel::IPath> rootOccurrence;
+  bool rootByPath = false;
   /// Maps the HDL models of components while they load (Kelpo); set by run/.
   ModelMapper modelMapper = nullptr;
   /// The deck's names of nodes and components (gen/); set by run/.

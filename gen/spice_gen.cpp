@@ -103,7 +103,7 @@ void CSpiceGen::BeginBlock(SpiceBlock& block) {
 }
 
 void CSpiceGen::WriteComponents(SpiceBlock& block) {
-  if (streamedComponents) {
+  if (streamedComponents && &block == streamedBlock) {
     WriteStreamedComponents(block);
     return;
   }
@@ -124,17 +124,18 @@ void CSpiceGen::WriteStreamedComponents(SpiceBlock& root) {
   std::vector<SpiceComp> batch;
   while (streamedComponents->Next(batch)) {
     for (SpiceComp& comp : batch) {
-      // A walk that ends before the deck is written gives these names to the table before the
-      // first line; here they come with their component, which is the same deck as long as no
-      // earlier line took the name for another node.
-      root.ForEachSubBlockGlobal(comp, [this](const std::string& name, const std::string& node) {
-        // An empty entry is no node yet: no line has taken the name.
-        std::string& slot = walk.nodes.try_emplace(name).first->second;
-        if (slot.empty())
-          slot = node;
-        else if (slot != node)
-          throw GlobalNameCameLate();
-      });
+      // A flat walk that ends before the deck is written gives these names to the table before
+      // the first line; here they come with their component, which is the same deck as long as
+      // no earlier line took the name for another node. A hierarchical load gives none.
+      if (options.flatten)
+        root.ForEachSubBlockGlobal(comp, [this](const std::string& name, const std::string& node) {
+          // An empty entry is no node yet: no line has taken the name.
+          std::string& slot = walk.nodes.try_emplace(name).first->second;
+          if (slot.empty())
+            slot = node;
+          else if (slot != node)
+            throw GlobalNameCameLate();
+        });
       WriteComponent(comp);
     }
   }

@@ -75,7 +75,8 @@ class CSpiceGen {
   /// The first half of LoadProject: opens the database and loads the root block into `block`
   /// (its nodes only with `scanRootNodes`; see SpiceProject::FindRoot).
   bool OpenDesign(const std::string& group, SpiceProject& project, const WireOptions& options,
-                  Tessel::ContainerT<const Tessel::IBlock>& block, bool scanRootNodes = true);
+                  Tessel::ContainerT<const Tessel::IBlock>& block, bool scanRootNodes = true,
+                  bool collectRootComponents = true);
   /// The second half: walks the design below `block`; a flat walk hands its components to
   /// `sink` when there is one.
   bool WalkDesign(const std::string& group, SpiceProject& project,
@@ -102,8 +103,10 @@ class CSpiceGen {
   /// The root's component loop over the components that `streamedComponents` hands over
   /// while the walk goes on; throws GlobalNameCameLate (see there).
   void WriteStreamedComponents(SpiceBlock& root);
-  /// Set for a flat run whose walk goes on while the deck is written (run/streamed_run.h).
+  /// Set for a run whose walk goes on while the deck is written (run/streamed_run.h,
+  /// run/streamed_hier_run.h): the components of `streamedBlock` come from the pipe.
   ComponentPipe* streamedComponents = nullptr;
+  const SpiceBlock* streamedBlock = nullptr;
   /// The standard WriteDefinition body; `endText` is the flavour's end of definition.
   void WriteDefinitionBody(SpiceBlock& block, const char* endText);
   void AddNote(std::string line) { notes.push_back(std::move(line)); }

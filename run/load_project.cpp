@@ -6,7 +6,8 @@
 #include "model/model_mapping.h"
 
 bool CSpiceGen::OpenDesign(const std::string& group, SpiceProject& project, const WireOptions& options,
-                           Tessel::ContainerT<const Tessel::IBlock>& block, bool scanRootNodes) {
+                           Tessel::ContainerT<const Tessel::IBlock>& block, bool scanRootNodes,
+                           bool collectRootComponents) {
   try {
     loadFailure = kExitNoDatabase;
     if (!project.Open(databaseName)) return false;
@@ -14,7 +15,7 @@ bool CSpiceGen::OpenDesign(const std::string& group, SpiceProject& project, cons
     project.modelMapper = &MapComponentModel;
     project.naming = &SpiceDeckNaming();
     std::string rootPath = options.rootPath;
-    project.FindRoot(group, block, rootPath, scanRootNodes);
+    project.FindRoot(group, block, rootPath, scanRootNodes, collectRootComponents);
     loadFailure = kExitNoGroup;
     if (!block.IsValid()) return false;
     loadFailure = kExitDeckWritten;

@@ -15,6 +15,7 @@
 #include "post/deck_passes_stream.h"
 #include "post/print_statements.h"
 #include "run/hier_passes.h"
+#include "run/streamed_hier_run.h"
 #include "run/streamed_run.h"
 
 #ifndef VESK_VERSION
@@ -78,11 +79,15 @@ int RunClassic(const WireOptions& options, const std::string& group) {
   return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
 }
 
-// One run of the flavour `Flavour`: a flat deck is written during its walk when it can be.
+// One run of the flavour `Flavour`: a deck is written during its walk when it can be.
 template <class Flavour>
 int RunFlavour(const WireOptions& options, const std::string& group) {
   if (MayStream(options)) {
     const int code = RunStreamed<Flavour>(options, group);
+    if (code != kRunClassically) return code;
+  }
+  if (MayStreamHierarchy(options)) {
+    const int code = RunStreamedHierarchy<Flavour>(options, group);
     if (code != kRunClassically) return code;
   }
   return RunClassic<Flavour>(options, group);

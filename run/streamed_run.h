@@ -93,6 +93,7 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
   PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
   ThreadedPostStream postStream(settings, *deck);
   gen.streamedComponents = &pipe;
+  gen.streamedBlock = &project->Root();
   try {
     if (scanned) gen.Run(*project, postStream);
     postStream.Finish();

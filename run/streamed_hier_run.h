@@ -1,0 +1,134 @@
+// RunStreamedHierarchy: a hierarchical deck whose root block's components are loaded on a
+// thread of their own while the sub-blocks load and the deck is written, with both passes on
+// the text as it is written. Deck and console are those of the classic run; a run that cannot
+// promise that returns kRunClassically before it has printed or written anything.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <thread>
+#include <unordered_map>
+
+#include "design/platform.h"
+#include "design/spice_project.h"
+#include "gen/component_pipe.h"
+#include "gen/spice_gen.h"
+#include "post/deck_passes_stream.h"
+#include "post/post_process.h"
+#include "post/print_statements.h"
+#include "run/console_capture.h"
+#include "run/hier_passes.h"
+#include "run/streamed_run.h"
+
+/// Whether RunStreamedHierarchy may take the run: a hierarchical deck whose passes may run on
+/// its text as it is written (PassesMayStream).
+bool MayStreamHierarchy(const WireOptions& options);
+
+template <class Flavour>
+int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
+  // The classic run prints: the root block's load, the sub-blocks' loads, the configuration,
+  // the generator, the passes. Each is held back and printed in that order at the end.
+  ConsoleCapture console;
+  Flavour gen(options);
+  gen.SetDatabaseName(group);
+  const bool configRead = gen.ReadConfigFile() == 0;
+  const std::string configText = console.Take();
+  if (!configRead) return kRunClassically;
+
+  auto project = std::make_unique<SpiceProject>();
+  Tessel::ContainerT<const Tessel::IBlock> block;
+  // The root's components are loaded below, beside the rest of the walk.
+  const bool opened = gen.OpenDesign(group, *project, options, block, false, false);
+  const std::string rootText = console.Take();
+  if (!opened) {
+    console.Print(rootText);
+    return gen.loadFailure;
+  }
+  // Each block's load starts the list of used deck names over, and the classic walk names the
+  // root's components first: on their own thread they take a list of their own.
+  project->rootBlock.options.usedNames = std::make_shared<UsedNames>();
+  // That thread prints nothing: a component's load of these flavours has nothing to say.
+  ComponentPipe pipe;
+  bool rootLoaded = false;
+  std::thread rootWalk([&] {
+    try {
+      rootLoaded = project->StreamRootComponents(&pipe);
+    } catch (...) {
+      rootLoaded = false;
+    }
+    pipe.Close();
+  });
+  struct Joiner {
+    ComponentPipe& pipe;
+    std::thread& thread;
+    ~Joiner() {
+      pipe.Stop();
+      if (thread.joinable()) thread.join();
+    }
+  } joiner{pipe, rootWalk};
+
+  // What the classic walk does behind the root's components: its nodes, then the sub-blocks.
+  bool walked = true;
+  try {
+    project->ScanRootNodes();
+  } catch (...) {
+    walked = false;
+  }
+  walked = walked && gen.WalkDesign(group, *project, block, nullptr);
+  const std::string walkText = console.Take();
+  // A failed load writes no deck; the classic run says what it said up to the failure, which
+  // is the root's part alone when the root's components failed.
+  auto failed = [&]() {
+    pipe.Stop();
+    rootWalk.join();
+    console.Print(rootLoaded ? rootText + walkText : rootText);
+    return kExitNoDatabase;
+  };
+  if (!walked) return failed();
+
+  HoldWorkingFolder();
+  const std::string path = gen.CircuitPathOf(*project);
+  const std::vector<std::string> madeFolders = MakeDeckFolders(path);
+  auto deck = std::make_unique<DeckFile>();
+  deck->Open(FileSystemPath(path));
+  // Both passes run on the text as it is written (see RunClassic): their own copy of the
+  // configuration, no internal names, the probe pass unless -i or Dracula.
+  SpiceConfig postConfig = gen.config;
+  ReadStripWords(postConfig);
+  std::string postInstance;
+  const std::unordered_map<std::string, std::string> noInternalNames;
+  PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
+  const bool probe = !options.ignorePrints && !options.dialect.dracula;
+  gen.probePass.probeScopeTail = gen.probePass.NewProbeScope();
+  const PrintSettings printSettings = PrintSettingsOf(options);
+  std::string passMessages;
+  {
+    DeckPassesStream passes(probe ? &gen.probePass : nullptr, printSettings, settings, *deck);
+    gen.streamedComponents = &pipe;
+    gen.streamedBlock = &project->Root();
+    try {
+      gen.Run(*project, passes);
+      rootWalk.join();
+      if (rootLoaded) {
+        project.reset();
+        passes.Finish();
+        passMessages = passes.Messages();
+      }
+    } catch (...) {
+      console.Print(rootText + walkText + configText + console.Take());
+      throw;
+    }
+  }  // the passes' thread has ended
+  if (!rootLoaded) {
+    // The classic run stops before the deck: no deck, no folders made for it.
+    deck.reset();
+    RemoveMadeFolders(madeFolders);
+    console.Print(rootText);
+    return kExitNoDatabase;
+  }
+  const bool written = deck->Commit();
+  console.Print(rootText + walkText + configText + console.Take() + (written ? passMessages : std::string()));
+  if (!written) return kExitWriteFailed;
+  return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
+}

@@ -50,3 +50,24 @@ void ComponentPipe::Stop() {
   full_.clear();
   changed_.notify_all();
 }
+
+PipeFiller::PipeFiller(ComponentPipe& pipe, std::function<bool()> fill) : pipe_(pipe) {
+  thread_ = std::thread([this, fill = std::move(fill)] {
+    try {
+      filled_ = fill();
+    } catch (...) {
+      filled_ = false;
+    }
+    pipe_.Close();
+  });
+}
+
+PipeFiller::~PipeFiller() {
+  pipe_.Stop();
+  if (thread_.joinable()) thread_.join();
+}
+
+bool PipeFiller::Join() {
+  if (thread_.joinable()) thread_.join();
+  return filled_;
+}

@@ -5,7 +5,9 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include "design/spice_block.h"
@@ -40,4 +42,22 @@ class ComponentPipe : public FlatComponentSink {
   std::vector<SpiceComp> filling_;             // the walk's side only
   bool closed_ = false;
   bool stopped_ = false;
+};
+
+/// The thread that fills a pipe: it runs `fill` and closes the pipe, whatever `fill` does; the
+/// destructor stops the pipe and waits, so that no path out of a run leaves the thread behind.
+class PipeFiller {
+ public:
+  /// `fill` answers whether the whole walk went well; what it throws counts as not.
+  PipeFiller(ComponentPipe& pipe, std::function<bool()> fill);
+  ~PipeFiller();
+  PipeFiller(const PipeFiller&) = delete;
+  PipeFiller& operator=(const PipeFiller&) = delete;
+  /// Waits for the thread; true when `fill` went well.
+  bool Join();
+
+ private:
+  ComponentPipe& pipe_;
+  bool filled_ = false;
+  std::thread thread_;
 };

@@ -16,6 +16,7 @@
 #include "post/print_statements.h"
 #include "run/hier_passes.h"
 #include "run/streamed_hier_run.h"
+#include "run/streamed_passes.h"
 #include "run/streamed_run.h"
 
 #ifndef VESK_VERSION
@@ -50,16 +51,9 @@ int RunClassic(const WireOptions& options, const std::string& group) {
     // Both passes run on the text as it is written, on a thread of their own, and the deck is
     // written once. The post pass reads its own copy of the configuration (it sets the strip
     // flags) and no internal names, which only "-param.txt" sections would ask for.
-    SpiceConfig postConfig = gen.config;
-    ReadStripWords(postConfig);
-    std::string postInstance;
-    const std::unordered_map<std::string, std::string> noInternalNames;
-    PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
-    // Flat decks got their print statements while written; -i and -e want none.
-    const bool probe = !options.ignorePrints && !options.dialect.dracula;
+    StreamedPassSettings settings(gen);
     gen.probePass.probeScopeTail = gen.probePass.NewProbeScope();
-    const PrintSettings printSettings = PrintSettingsOf(options);
-    DeckPassesStream passes(probe ? &gen.probePass : nullptr, printSettings, settings, deck);
+    DeckPassesStream passes(settings.probe ? &gen.probePass : nullptr, settings.print, settings.post, deck);
     gen.Run(*project, passes);
     // The design's memory goes back while the passes finish the deck's last lines.
     project.reset();

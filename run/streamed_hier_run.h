@@ -19,6 +19,7 @@
 #include "post/print_statements.h"
 #include "run/console_capture.h"
 #include "run/hier_passes.h"
+#include "run/streamed_passes.h"
 #include "run/streamed_run.h"
 
 /// Whether RunStreamedHierarchy may take the run: a hierarchical deck whose passes may run on
@@ -50,23 +51,7 @@ int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
   project->rootBlock.options.usedNames = std::make_shared<UsedNames>();
   // That thread prints nothing: a component's load of these flavours has nothing to say.
   ComponentPipe pipe;
-  bool rootLoaded = false;
-  std::thread rootWalk([&] {
-    try {
-      rootLoaded = project->StreamRootComponents(&pipe);
-    } catch (...) {
-      rootLoaded = false;
-    }
-    pipe.Close();
-  });
-  struct Joiner {
-    ComponentPipe& pipe;
-    std::thread& thread;
-    ~Joiner() {
-      pipe.Stop();
-      if (thread.joinable()) thread.join();
-    }
-  } joiner{pipe, rootWalk};
+  PipeFiller rootWalk(pipe, [&] { return project->StreamRootComponents(&pipe); });
 
   // What the classic walk does behind the root's components: its nodes, then the sub-blocks.
   bool walked = true;
@@ -81,8 +66,7 @@ int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
   // is the root's part alone when the root's components failed.
   auto failed = [&]() {
     pipe.Stop();
-    rootWalk.join();
-    console.Print(rootLoaded ? rootText + walkText : rootText);
+    console.Print(rootWalk.Join() ? rootText + walkText : rootText);
     return kExitNoDatabase;
   };
   if (!walked) return failed();
@@ -92,24 +76,18 @@ int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
   const std::vector<std::string> madeFolders = MakeDeckFolders(path);
   auto deck = std::make_unique<DeckFile>();
   deck->Open(FileSystemPath(path));
-  // Both passes run on the text as it is written (see RunClassic): their own copy of the
-  // configuration, no internal names, the probe pass unless -i or Dracula.
-  SpiceConfig postConfig = gen.config;
-  ReadStripWords(postConfig);
-  std::string postInstance;
-  const std::unordered_map<std::string, std::string> noInternalNames;
-  PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
-  const bool probe = !options.ignorePrints && !options.dialect.dracula;
+  // Both passes run on the text as it is written, as in RunClassic.
+  StreamedPassSettings settings(gen);
   gen.probePass.probeScopeTail = gen.probePass.NewProbeScope();
-  const PrintSettings printSettings = PrintSettingsOf(options);
   std::string passMessages;
+  bool rootLoaded = false;
   {
-    DeckPassesStream passes(probe ? &gen.probePass : nullptr, printSettings, settings, *deck);
+    DeckPassesStream passes(settings.probe ? &gen.probePass : nullptr, settings.print, settings.post, *deck);
     gen.streamedComponents = &pipe;
     gen.streamedBlock = &project->Root();
     try {
       gen.Run(*project, passes);
-      rootWalk.join();
+      rootLoaded = rootWalk.Join();
       if (rootLoaded) {
         project.reset();
         passes.Finish();

@@ -17,6 +17,7 @@
 #include "post/post_process.h"
 #include "post/post_stream.h"
 #include "run/console_capture.h"
+#include "run/streamed_passes.h"
 
 /// RunStreamed's answer when the run must be done the classic way.
 constexpr int kRunClassically = -1;
@@ -52,19 +53,7 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
   }
   // The walk's thread hands each component over as soon as it is loaded; it prints nothing.
   ComponentPipe pipe;
-  bool walked = false;
-  std::thread walker([&] {
-    walked = gen.WalkDesign(group, *project, block, &pipe);
-    pipe.Close();
-  });
-  struct Joiner {
-    ComponentPipe& pipe;
-    std::thread& thread;
-    ~Joiner() {
-      pipe.Stop();
-      if (thread.joinable()) thread.join();
-    }
-  } joiner{pipe, walker};
+  PipeFiller walker(pipe, [&] { return gen.WalkDesign(group, *project, block, &pipe); });
 
   HoldWorkingFolder();
   const std::string path = gen.CircuitPathOf(*project);
@@ -82,16 +71,9 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     pipe.Stop();
   }
 
-  // The post pass reads its own copy of the configuration: it sets the strip flags, which the
-  // generator must not see while it writes.
-  SpiceConfig postConfig = gen.config;
-  ReadStripWords(postConfig);
-  std::string postInstance;
-  // The components of a flat walk have no internal names, so the generator's table of them
-  // stays empty; the pass, on its own thread, reads an empty table of its own.
-  const std::unordered_map<std::string, std::string> noInternalNames;
-  PostSettings settings{gen.options, postConfig, noInternalNames, postInstance};
-  ThreadedPostStream postStream(settings, *deck);
+  // The post pass reads settings of its own (StreamedPassSettings); a flat deck has no probe pass.
+  StreamedPassSettings settings(gen);
+  ThreadedPostStream postStream(settings.post, *deck);
   gen.streamedComponents = &pipe;
   gen.streamedBlock = &project->Root();
   try {
@@ -103,7 +85,7 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     console.Print(rootText + configText + console.Take());
     throw;
   }
-  walker.join();
+  const bool walked = walker.Join();
   if (!walked || !scanned) {
     // The classic run stops before the deck: no deck, no folders made for it.
     deck.reset();

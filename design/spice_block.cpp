@@ -292,7 +292,7 @@ void SpiceBlock::CollectComponents(Tessel::ContainerT<const Tessel::IPath>& path
 }
 
 bool SpiceBlock::StreamComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath,
-                                  FlatComponentSink* sink) {
+                                  ComponentSink* sink) {
   Tessel::IteratorT<const Tessel::IComp> it;
   if (byPath && !path.Empty())
     path->GetIterComps(it);
@@ -418,7 +418,7 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
   (*pinNodes)[PinNodeKey(instance)] += pinsText;
 }
 
-bool SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, FlatComponentSink* sink) {
+bool SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, ComponentSink* sink) {
   SpiceComp flat;
   flat.LoadFlat(comp, options, *naming, *pinNodes, &gatheredAttributes);
   // A sink's taker places the global names itself, in its own node table.

@@ -27,11 +27,11 @@ struct NetProbe {
   std::string node;
 };
 
-/// Takes the components of a flat walk one at a time, as the walk loads them, instead of the
+/// Takes the components of a walk one at a time, as the walk loads them, instead of the
 /// root block's list: a generator can write each one while the walk goes on.
-class FlatComponentSink {
+class ComponentSink {
  public:
-  virtual ~FlatComponentSink() = default;
+  virtual ~ComponentSink() = default;
   /// Takes `comp`; false ends the walk early (the taker has stopped).
   virtual bool Take(SpiceComp&& comp) = 0;
 };
@@ -56,12 +56,12 @@ class SpiceBlock {
                       std::string instancePath, bool byPath, bool collect = true);
   /// The components of a hierarchical block handed to `sink` one at a time as they load, in
   /// the order of the list; false when the sink has stopped taking them.
-  bool StreamComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath, FlatComponentSink* sink);
+  bool StreamComponents(Tessel::ContainerT<const Tessel::IPath>& path, bool byPath, ComponentSink* sink);
   void ScanNodes();
   void AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& comp);
   /// Loads one component of the flat walk into the list, or hands it to `sink` when there is
   /// one (false when the sink has stopped).
-  bool AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, FlatComponentSink* sink = nullptr);
+  bool AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, ComponentSink* sink = nullptr);
   /// A global net that only sub-blocks hold has its one name in the flat deck too: calls
   /// `place(flatName, node)` for each pin of `comp` on such a net.
   template <class Place>

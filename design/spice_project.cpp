@@ -146,7 +146,7 @@ SpiceBlock& SpiceProject::FindRoot(std::string group, Tessel::ContainerT<const T
   return rootBlock;
 }
 
-bool SpiceProject::StreamRootComponents(FlatComponentSink* sink) {
+bool SpiceProject::StreamRootComponents(ComponentSink* sink) {
   return rootBlock.StreamComponents(rootOccurrence, rootByPath, sink);
 }
 
@@ -197,7 +197,7 @@ void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& i
 }
 
 void SpiceProject::WalkFlat(Tessel::ContainerT<const Tessel::IBlock>, std::string name,
-                            FlatComponentSink* sink) {
+                            ComponentSink* sink) {
   if (snapshot.Empty()) return;
   Tessel::ContainerT<const Tessel::IConfig> config;
   snapshot->GetDefaultConfig(config, name);
@@ -216,7 +216,7 @@ void SpiceProject::WalkFlat(Tessel::ContainerT<const Tessel::IBlock>, std::strin
 }
 
 bool SpiceProject::VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence,
-                                   FlatComponentSink* sink) {
+                                   ComponentSink* sink) {
   const Tessel::IComp& comp = *occurrence.operator->();
   Tessel::BitContainerT<Tessel::ECompType, 1> type;
   comp.GetType(type);

@@ -27,12 +27,12 @@ class SpiceProject {
   void ScanRootNodes();
   /// The root's components, left by FindRoot without `collectComponents`, handed to `sink`
   /// as they load (see SpiceBlock::StreamComponents).
-  bool StreamRootComponents(FlatComponentSink* sink);
+  bool StreamRootComponents(ComponentSink* sink);
   void WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block, std::string name);
   /// The flat walk: every primitive below the root, into the root's component list or, with a
   /// sink, handed to the sink one at a time (the root's list stays empty).
   void WalkFlat(Tessel::ContainerT<const Tessel::IBlock> block, std::string name,
-                FlatComponentSink* sink = nullptr);
+                ComponentSink* sink = nullptr);
 
   /// Drops what only the walk needs once it is done: every handle into the database and the
   /// instance names given out. The generators write from the walked blocks alone, and a
@@ -68,7 +68,7 @@ class SpiceProject {
  private:
   void VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance, const std::string& name);
   /// False when a sink has stopped taking components.
-  bool VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence, FlatComponentSink* sink);
+  bool VisitOccurrence(const Tessel::IteratorT<const Tessel::IComp>& occurrence, ComponentSink* sink);
 };
 
 /// Rewrites `path` relative to the project folder (CURRENT_PROJECT_PATH or the working

@@ -1,20 +1,18 @@
-// ComponentPipe: the components of a flat walk handed from the walk's thread to the
+// ComponentPipe: the components of a walk handed from the walk's thread to the
 // generator's, in batches, so that reading the design and writing the deck overlap.
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <functional>
-#include <mutex>
 #include <thread>
 #include <vector>
 
+#include "design/bounded_queue.h"
 #include "design/spice_block.h"
 
 /// The walk waits while the pipe holds kBatches full batches, so only a few thousand
 /// components are ever held at once, however large the design.
-class ComponentPipe : public FlatComponentSink {
+class ComponentPipe : public ComponentSink {
  public:
   static constexpr size_t kBatchSize = 512;
   static constexpr size_t kBatches = 8;
@@ -30,18 +28,13 @@ class ComponentPipe : public FlatComponentSink {
   /// every component has been handed over. The components `batch` held before are dropped.
   bool Next(std::vector<SpiceComp>& batch);
   /// The generator reads no more: a walk waiting on a full pipe goes on and ends.
-  void Stop();
+  void Stop() { batches_.Stop(); }
 
  private:
-  void Send();
+  bool Send();
 
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::vector<SpiceComp>> full_;
-  std::vector<std::vector<SpiceComp>> spare_;  // emptied batches, kept for their room
-  std::vector<SpiceComp> filling_;             // the walk's side only
-  bool closed_ = false;
-  bool stopped_ = false;
+  BoundedQueue<std::vector<SpiceComp>> batches_{kBatches};
+  std::vector<SpiceComp> filling_;  // the walk's side only
 };
 
 /// The thread that fills a pipe: it runs `fill` and closes the pipe, whatever `fill` does; the

@@ -80,7 +80,7 @@ class CSpiceGen {
   /// The second half: walks the design below `block`; a flat walk hands its components to
   /// `sink` when there is one.
   bool WalkDesign(const std::string& group, SpiceProject& project,
-                  Tessel::ContainerT<const Tessel::IBlock>& block, FlatComponentSink* sink);
+                  Tessel::ContainerT<const Tessel::IBlock>& block, ComponentSink* sink);
 
   // ---- gen/spice_gen.cpp: frame of a run ----
   void SetDatabaseName(std::string) { databaseName = "database"; }

@@ -1,5 +1,5 @@
-// DeckPassesStream: the probe pass and the post-process pass of a hierarchical deck run on its
-// text while the generator writes it, so the deck is written once instead of three times.
+// DeckPassesStream: the passes of a deck run on its text while the generator writes it (the
+// probe pass of a hierarchical deck, then the post-process pass), so the deck is written once.
 #pragma once
 
 #include <deque>

@@ -1,39 +1,5 @@
-// TextQueue and QueuedLineReader: pieces in, lines out.
+// QueuedLineReader: pieces of text in, lines out.
 #include "post/text_queue.h"
-
-#include <utility>
-
-bool TextQueue::Push(std::string piece) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return pieces_.size() < capacity_ || stopped_; });
-  if (stopped_) return false;
-  pieces_.push_back(std::move(piece));
-  changed_.notify_all();
-  return true;
-}
-
-bool TextQueue::Pop(std::string& piece) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return !pieces_.empty() || closed_ || stopped_; });
-  if (stopped_ || pieces_.empty()) return false;
-  piece = std::move(pieces_.front());
-  pieces_.pop_front();
-  changed_.notify_all();
-  return true;
-}
-
-void TextQueue::Close() {
-  std::lock_guard<std::mutex> lock(mutex_);
-  closed_ = true;
-  changed_.notify_all();
-}
-
-void TextQueue::Stop() {
-  std::lock_guard<std::mutex> lock(mutex_);
-  stopped_ = true;
-  pieces_.clear();
-  changed_.notify_all();
-}
 
 bool QueuedLineReader::Read(std::string& line) {
   while (!ended_) {

@@ -29,7 +29,7 @@ bool CSpiceGen::OpenDesign(const std::string& group, SpiceProject& project, cons
 }
 
 bool CSpiceGen::WalkDesign(const std::string& group, SpiceProject& project,
-                           Tessel::ContainerT<const Tessel::IBlock>& block, FlatComponentSink* sink) {
+                           Tessel::ContainerT<const Tessel::IBlock>& block, ComponentSink* sink) {
   try {
     loadFailure = kExitNoDatabase;
     // The definitions hang below the block itself, whatever name (a test bench's) found it.

@@ -3,7 +3,6 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <unordered_map>
 
 #include "design/platform.h"
 #include "design/spice_project.h"
@@ -12,11 +11,7 @@
 #include "gen/kelpo_gen.h"
 #include "gen/spice_gen.h"
 #include "model/model_files.h"
-#include "post/deck_passes_stream.h"
-#include "post/print_statements.h"
-#include "run/hier_passes.h"
 #include "run/streamed_hier_run.h"
-#include "run/streamed_passes.h"
 #include "run/streamed_run.h"
 
 #ifndef VESK_VERSION
@@ -26,8 +21,7 @@
 namespace {
 
 // One run of the flavour `Flavour` in the classic order: the whole walk, the configuration,
-// the deck, then the passes (on its text as it is written when they may, else over the
-// written deck); returns the exit code.
+// the deck, then the passes over the written deck; returns the exit code.
 template <class Flavour>
 int RunClassic(const WireOptions& options, const std::string& group) {
   Flavour gen(options);
@@ -47,22 +41,6 @@ int RunClassic(const WireOptions& options, const std::string& group) {
   deck.Open(FileSystemPath(path));
   // The generator writes from the walked design itself: nothing reads the project after the
   // run, and a copy would hold every component twice.
-  if (PassesMayStream(options) && !path.empty()) {
-    // Both passes run on the text as it is written, on a thread of their own, and the deck is
-    // written once. The post pass reads its own copy of the configuration (it sets the strip
-    // flags) and no internal names, which only "-param.txt" sections would ask for.
-    StreamedPassSettings settings(gen);
-    gen.probePass.probeScopeTail = gen.probePass.NewProbeScope();
-    DeckPassesStream passes(settings.probe ? &gen.probePass : nullptr, settings.print, settings.post, deck);
-    gen.Run(*project, passes);
-    // The design's memory goes back while the passes finish the deck's last lines.
-    project.reset();
-    passes.Finish();
-    if (!deck.Commit()) return kExitWriteFailed;
-    // The passes' messages come behind the generator's, as when they ran on the written deck.
-    std::cout << passes.Messages();
-    return WriteFailureCount() > 0 ? kExitWriteFailed : kExitDeckWritten;
-  }
   gen.Run(*project, deck);
   // The passes only reread the deck: the design's memory goes back before they hold its text.
   project.reset();
@@ -80,7 +58,7 @@ int RunFlavour(const WireOptions& options, const std::string& group) {
     const int code = RunStreamed<Flavour>(options, group);
     if (code != kRunClassically) return code;
   }
-  if (MayStreamHierarchy(options)) {
+  if (PassesMayStream(options)) {
     const int code = RunStreamedHierarchy<Flavour>(options, group);
     if (code != kRunClassically) return code;
   }

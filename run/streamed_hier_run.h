@@ -22,10 +22,8 @@
 #include "run/streamed_passes.h"
 #include "run/streamed_run.h"
 
-/// Whether RunStreamedHierarchy may take the run: a hierarchical deck whose passes may run on
-/// its text as it is written (PassesMayStream).
-bool MayStreamHierarchy(const WireOptions& options);
-
+/// RunStreamedHierarchy takes the runs whose passes may run on the deck's text as it is
+/// written (PassesMayStream, run/hier_passes.h): hierarchical decks of the plain flavours.
 template <class Flavour>
 int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
   // The classic run prints: the root block's load, the sub-blocks' loads, the configuration,

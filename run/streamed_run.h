@@ -14,8 +14,8 @@
 #include "gen/component_pipe.h"
 #include "gen/spice_gen.h"
 #include "model/model_files.h"
+#include "post/deck_passes_stream.h"
 #include "post/post_process.h"
-#include "post/post_stream.h"
 #include "run/console_capture.h"
 #include "run/streamed_passes.h"
 
@@ -73,7 +73,7 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
 
   // The post pass reads settings of its own (StreamedPassSettings); a flat deck has no probe pass.
   StreamedPassSettings settings(gen);
-  ThreadedPostStream postStream(settings.post, *deck);
+  DeckPassesStream postStream(nullptr, settings.print, settings.post, *deck);
   gen.streamedComponents = &pipe;
   gen.streamedBlock = &project->Root();
   try {
@@ -93,7 +93,6 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     console.Print(rootText);
     return kExitNoDatabase;
   }
-  project->ReleaseWalkState();
   project.reset();
   const bool written = deck->Commit();
   console.Print(rootText + configText + console.Take());

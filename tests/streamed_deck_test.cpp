@@ -1,6 +1,7 @@
 // The pieces of a deck written during its walk: the pipe that hands components from the walk's
 // thread to the generator's, and the post pass run on the text as it comes, which must make of
-// any cut of the text what the pass makes of the whole deck.
+// any cut of the text what the pass makes of the whole deck (on its own thread:
+// deck_passes_stream_test.cpp).
 #include <gtest/gtest.h>
 
 #include <random>
@@ -117,46 +118,6 @@ TEST_F(PostStream, ALargeDeckIsHandedOnInPiecesAndWhole) {
   for (int i = 0; i < 100000; ++i)
     deck += "R" + std::to_string(i) + "  N" + std::to_string(i) + " 0  W = 1K\n";
   EXPECT_EQ(Streamed(deck, {4096, 77, 1 << 20}), Whole(deck));
-}
-
-}  // namespace
-
-namespace {
-
-class ThreadedPost : public PostStream {};
-
-TEST_F(ThreadedPost, GivesTheWholeDecksPassOnItsOwnThread) {
-  std::string deck;
-  for (int i = 0; i < 60000; ++i)
-    deck += "R" + std::to_string(i) + "  N" + std::to_string(i) + " 0  W = 1K\n";
-  deck += "X1 A B SUB PARAMS: W=1 L = 2\n*.END";
-  for (size_t piece : {size_t{1} << 22, size_t{4096}, size_t{77}}) {
-    SpiceConfig config = Config();
-    std::string instance;
-    PostSettings settings{options, config, internalNames, instance};
-    std::ostringstream target;
-    {
-      ThreadedPostStream stream(settings, target);
-      for (size_t at = 0; at < deck.size(); at += piece)
-        stream.write(deck.data() + at, static_cast<std::streamsize>(std::min(piece, deck.size() - at)));
-      stream.Finish();
-    }
-    EXPECT_EQ(target.str(), Whole(deck)) << piece;
-  }
-}
-
-TEST_F(ThreadedPost, ADroppedStreamStopsItsThread) {
-  SpiceConfig config = Config();
-  std::string instance;
-  PostSettings settings{options, config, internalNames, instance};
-  std::ostringstream target;
-  {
-    ThreadedPostStream stream(settings, target);
-    std::string lines(3 << 20, 'R');
-    for (size_t i = 80; i < lines.size(); i += 80) lines[i] = '\n';
-    stream << lines;
-  }  // no Finish: the destructor must not wait for text that never comes
-  SUCCEED();
 }
 
 }  // namespace

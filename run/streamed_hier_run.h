@@ -7,16 +7,12 @@
 #include <exception>
 #include <memory>
 #include <string>
-#include <thread>
-#include <unordered_map>
 
 #include "design/platform.h"
 #include "design/spice_project.h"
 #include "gen/component_pipe.h"
 #include "gen/spice_gen.h"
 #include "post/deck_passes_stream.h"
-#include "post/post_process.h"
-#include "post/print_statements.h"
 #include "run/console_capture.h"
 #include "run/hier_passes.h"
 #include "run/streamed_passes.h"

@@ -7,15 +7,12 @@
 #include <exception>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "design/platform.h"
 #include "design/spice_project.h"
 #include "gen/component_pipe.h"
 #include "gen/spice_gen.h"
-#include "model/model_files.h"
 #include "post/deck_passes_stream.h"
-#include "post/post_process.h"
 #include "run/console_capture.h"
 #include "run/streamed_passes.h"
 

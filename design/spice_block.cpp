@@ -223,13 +223,24 @@ void SpiceBlock::ScanShunts(Tessel::ContainerT<const Tessel::IBlock> shuntBlock)
   shuntBlock->GetIterComps(it, Tessel::eCompAll);
   ShuntSets sets;
   bool any = false;
+  // The placements of a symbol share their attribute lists: a list read once answers for
+  // all the components that follow with the same one.
+  uint64_t lastLists = 0;
+  bool lastKnown = false, lastIsShunt = false;
   for (; it->IsValid(); it++) {
     Tessel::BitContainerT<Tessel::ECompType, 1> type;
     it->GetType(type);
     if (!(type & Tessel::eCompHierarchical) && !(type & Tessel::eCompPrimitive)) continue;
-    Tessel::String exclude;
-    it->GetAttribute("$$NotCommonProperty_EXCLUDE", exclude, Tessel::eAttrInstance);
-    if (!EqualsIgnoringCase(exclude.str(), "shunt")) continue;
+    uint64_t lists = 0;
+    const bool listed = it->GetAttributeListsId(lists);
+    if (!listed || !lastKnown || lists != lastLists) {
+      Tessel::String exclude;
+      it->GetAttribute("$$NotCommonProperty_EXCLUDE", exclude, Tessel::eAttrInstance);
+      lastIsShunt = EqualsIgnoringCase(exclude.str(), "shunt");
+      lastKnown = listed;
+      lastLists = lists;
+    }
+    if (!lastIsShunt) continue;
     JoinShunt(*it.operator->(), sets);
     any = true;
   }

@@ -165,12 +165,15 @@ void SpiceProject::WalkHierarchy(Tessel::ContainerT<const Tessel::IBlock> block,
 void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& instance,
                                  const std::string& name) {
   const Tessel::IComp& comp = *instance.operator->();
-  std::string parentName = ParentBlockName(comp);
-  if (options.HasLevel(ReadLevel(comp))) return;
-  if (!EqualsIgnoringCase(name, parentName)) return;
   Tessel::ContainerT<const Tessel::IBlock> child;
   comp.GetChildBlock(child);
   std::string childName = NameOf(child);
+  // A block already loaded makes the visit end without a trace, whatever the instance says:
+  // the many placements of one block are passed over without reading their attributes.
+  if (visitedIndex.count(childName)) return;
+  std::string parentName = ParentBlockName(comp);
+  if (options.HasLevel(ReadLevel(comp))) return;
+  if (!EqualsIgnoringCase(name, parentName)) return;
 
   // The path holds the chain from the root to this instance while its block is loaded.
   size_t pathLength = currentInstancePath.size();

@@ -188,12 +188,7 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
   if (walk.generatorHere) return;
 
   out << comp.RefName();
-  // An absent entry reads as empty, so a component without an internal name (every one of
-  // a flat deck) only clears what an earlier one of the same name left.
-  if (comp.InternalName().empty())
-    internalNames.erase(LowerText(comp.RefName()));
-  else
-    internalNames[LowerText(comp.RefName())] = comp.InternalName();
+  if (keepsInternalNames) NoteInternalName(comp);
   WritePins(comp, false);
   const std::string& order = comp.Attributes().Get("ORDER");
   const bool namesCalled = NeedsCalledName(order, comp);
@@ -213,6 +208,15 @@ void CSpiceGen::EmitComponent(SpiceComp& comp) {
   }
   out << "\n";
   FlushNotes();
+}
+
+void CSpiceGen::NoteInternalName(const SpiceComp& comp) {
+  // An absent entry reads as empty, so a component without an internal name (every one of
+  // a flat deck) only clears what an earlier one of the same name left.
+  if (!comp.InternalName().empty())
+    internalNames[LowerText(comp.RefName())] = comp.InternalName();
+  else if (!internalNames.empty())
+    internalNames.erase(LowerText(comp.RefName()));
 }
 
 void CSpiceGen::CheckSpecialComponent(SpiceComp& comp) {

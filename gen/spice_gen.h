@@ -115,6 +115,7 @@ class CSpiceGen {
   // ---- gen/component_line.cpp ----
   /// Takes the component by reference: nothing here changes it, and a copy per line costs.
   void EmitComponent(SpiceComp& comp);
+  void NoteInternalName(const SpiceComp& comp);
   void CheckSpecialComponent(SpiceComp& comp);
   void ExpandOrder(SpiceComp& comp);
   void DefaultFromBare(std::string& body, SpiceComp& comp);
@@ -199,7 +200,11 @@ class CSpiceGen {
   ProbePassState probePass;
   std::vector<std::string> usedModels;
   std::unordered_set<std::string> usedModelsLower;  // index of usedModels, lower case
+  /// Lower-case instance name -> internal name, for the -param.txt sections of the post pass.
+  /// A run whose passes cannot meet such a file sets keepsInternalNames false and spares a
+  /// map entry for each instance.
   std::unordered_map<std::string, std::string> internalNames;
+  bool keepsInternalNames = true;
   std::string currentInstance;
   std::string circuitPath;
   std::string databaseName;

@@ -121,10 +121,15 @@ std::string LoadInstanceParameters(std::string instanceName, const std::string& 
   if (!files.any) return std::string();
   instanceName = LowerText(instanceName);
   currentInstance.clear();
-  auto found = internalNames.find(instanceName);
-  const std::string internalName = found == internalNames.end() ? std::string() : found->second;
+  // The internal name picks a -param.txt section; without that file nothing asks for it, and
+  // a pass running beside the generator must not read the map the generator is filling.
   std::string result;
-  bool fromSection = files.param.read && ParameterSection(files.param.text, modelName, internalName, result);
+  bool fromSection = false;
+  if (files.param.read) {
+    auto found = internalNames.find(instanceName);
+    const std::string internalName = found == internalNames.end() ? std::string() : found->second;
+    fromSection = ParameterSection(files.param.text, modelName, internalName, result);
+  }
   if (!fromSection) result.clear();
   std::string replacement;
   if (ReadParFile(files.par, fromSection, replacement, result))

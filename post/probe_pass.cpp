@@ -116,8 +116,32 @@ std::string CalledSubckt(const std::string& line) {
   return index >= 2 ? std::string(previous) : std::string();
 }
 
+namespace {
+
+ProbeScope* EnterInstance(ProbePassState& state, const std::string& instance, const std::string& subcircuit,
+                          const std::string& target, ProbeScope* scope) {
+  if (scope->name.empty() || scope->name != subcircuit) {
+    ProbeScope* next = state.NewProbeScope();
+    scope->next = next;
+    next->prev = scope;
+    next->name = subcircuit;
+    scope = next;
+  }
+  scope->instances[instance] = target;
+  return scope;
+}
+
+}  // namespace
+
 ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const std::string& node,
                           const std::string& subcircuit, ProbeScope* scope) {
+  if (!state.probeSeen) {
+    // The instances held so far go into the chain as they came, ahead of this probe.
+    state.probeSeen = true;
+    for (const ProbePassState::HeldInstance& held : state.heldInstances)
+      scope = EnterInstance(state, held.instance, held.subcircuit, held.target, scope);
+    state.heldInstances = std::vector<ProbePassState::HeldInstance>();
+  }
   if (scope->name.empty()) {
     scope->name = subcircuit;
   } else if (scope->name != subcircuit) {
@@ -133,15 +157,11 @@ ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const 
 
 ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& instance,
                              const std::string& subcircuit, const std::string& target, ProbeScope* scope) {
-  if (scope->name.empty() || scope->name != subcircuit) {
-    ProbeScope* next = state.NewProbeScope();
-    scope->next = next;
-    next->prev = scope;
-    next->name = subcircuit;
-    scope = next;
+  if (!state.probeSeen) {
+    state.heldInstances.push_back({instance, subcircuit, target});
+    return scope;
   }
-  scope->instances[instance] = target;
-  return scope;
+  return EnterInstance(state, instance, subcircuit, target, scope);
 }
 
 void NoteModel(ProbePassState& state, const std::string& name) {
@@ -285,7 +305,8 @@ class ProbePass {
 
   // The print statements go ahead of the end line.
   void WriteStatements(const std::string& endLine) {
-    WalkProbeScopes(analysisScope_, "", "", state_, settings_, output_);
+    // Only probes make statements: without one the walk would find nothing to write.
+    if (state_.probeSeen) WalkProbeScopes(analysisScope_, "", "", state_, settings_, output_);
     ItemStatements(state_, settings_, output_);
     output_.append(endLine).append("\n");
   }

@@ -32,7 +32,8 @@ void ProbeProcessLines(ProbeLineSource& source, ProbePassState& state, const Pri
 ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const std::string& node,
                           const std::string& subcircuit, ProbeScope* scope);
 
-/// Enters an instance calling `target`; a top-level instance always opens a new scope.
+/// Enters an instance calling `target`; a top-level instance always opens a new scope. Until
+/// the first probe the instances are held, and entered ahead of it.
 ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& instance,
                              const std::string& subcircuit, const std::string& target, ProbeScope* scope);
 

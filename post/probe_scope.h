@@ -26,6 +26,14 @@ struct ProbePassState {
   std::vector<std::unique_ptr<ProbeScope[]>> scopeBlocks;
   size_t scopesInLastBlock = kScopesPerBlock;
   ProbeScope* probeScopeTail = nullptr;
+  // Instances only ever lead to probes, so until the first probe they are held here, in
+  // order, and entered into the chain when it comes: a deck without probes (most decks, and
+  // one line per placement) builds no chain and has no statements to walk for.
+  struct HeldInstance {
+    std::string instance, subcircuit, target;
+  };
+  std::vector<HeldInstance> heldInstances;
+  bool probeSeen = false;
   NewestFirstList modelNames, subcktNames, duplicateModels, duplicateSubckts, probeItems;
   bool hasAcAnalysis = false;
   bool hasDcAnalysis = false;

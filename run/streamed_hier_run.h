@@ -79,6 +79,8 @@ int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
     DeckPassesStream passes(settings.probe ? &gen.probePass : nullptr, settings.print, settings.post, *deck);
     gen.streamedComponents = &pipe;
     gen.streamedBlock = &project->Root();
+    // No -param.txt file lies under sym (PassesMayStream), so the passes never ask for them.
+    gen.keepsInternalNames = false;
     try {
       gen.Run(*project, passes);
       rootLoaded = rootWalk.Join();

@@ -10,12 +10,14 @@
 #include "design/bounded_queue.h"
 #include "design/spice_block.h"
 
-/// The walk waits while the pipe holds kBatches full batches, so only a few thousand
+/// The walk waits while the pipe holds `batches` full batches, so only a few thousand
 /// components are ever held at once, however large the design.
 class ComponentPipe : public ComponentSink {
  public:
   static constexpr size_t kBatchSize = 512;
   static constexpr size_t kBatches = 8;
+
+  explicit ComponentPipe(size_t batches = kBatches) : batches_(batches) {}
 
   // ---- the walk's side ----
   /// False once the generator has stopped reading.
@@ -33,7 +35,7 @@ class ComponentPipe : public ComponentSink {
  private:
   bool Send();
 
-  BoundedQueue<std::vector<SpiceComp>> batches_{kBatches};
+  BoundedQueue<std::vector<SpiceComp>> batches_;
   std::vector<SpiceComp> filling_;  // the walk's side only
 };
 

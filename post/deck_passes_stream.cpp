@@ -1,4 +1,4 @@
-// DeckPassesStream: deck text in, text of both passes out, the passes on their own thread.
+// DeckPassesStream: deck text in, text of both passes out, each pass on a thread of its own.
 #include "post/deck_passes_stream.h"
 
 #include <utility>
@@ -12,12 +12,19 @@ DeckPassesStream::DeckPassesStream(ProbePassState* probeState, const PrintSettin
       printSettings_(printSettings),
       postSettings_(postSettings),
       target_(target) {
-  worker_ = std::thread([this] { Work(); });
+  if (probeState_) {
+    probeWorker_ = std::thread([this] { ProbeWork(); });
+    postWorker_ = std::thread([this] { PostWork(toPost_); });
+  } else {
+    postWorker_ = std::thread([this] { PostWork(toPasses_); });
+  }
 }
 
 DeckPassesStream::~DeckPassesStream() {
   toPasses_.Stop();
-  if (worker_.joinable()) worker_.join();
+  toPost_.Stop();
+  if (probeWorker_.joinable()) probeWorker_.join();
+  if (postWorker_.joinable()) postWorker_.join();
 }
 
 std::streambuf::int_type DeckPassesStream::overflow(std::streambuf::int_type c) {
@@ -64,28 +71,54 @@ std::streamsize DeckPassesStream::HandBack::xsputn(const char* text, std::stream
   return size;
 }
 
-void DeckPassesStream::Work() {
+std::streambuf::int_type DeckPassesStream::ToPostPass::overflow(int_type c) {
+  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+  const char one = traits_type::to_char_type(c);
+  return xsputn(&one, 1) == 1 ? c : traits_type::eof();
+}
+
+std::streamsize DeckPassesStream::ToPostPass::xsputn(const char* text, std::streamsize size) {
+  // The probe pass writes in pieces of its own size; a stopped queue drops them (see Fail).
+  if (size > 0) queue_.Push(std::string(text, static_cast<size_t>(size)));
+  return size;
+}
+
+void DeckPassesStream::ProbeWork() {
+  try {
+    QueuedLineReader lines(toPasses_);
+    std::ostream toPost(&toPostBuffer_);
+    ProbeProcessLines(lines, *probeState_, printSettings_, toPost, messages_);
+    toPost_.Close();
+  } catch (...) {
+    Fail();
+  }
+}
+
+void DeckPassesStream::PostWork(TextQueue& input) {
   try {
     PostProcessStream post(postSettings_, made_);
-    QueuedLineReader lines(toPasses_);
-    if (probeState_) {
-      ProbeProcessLines(lines, *probeState_, printSettings_, post, messages_);
-    } else {
-      std::string piece;
-      while (toPasses_.Pop(piece)) post.write(piece.data(), static_cast<std::streamsize>(piece.size()));
-    }
+    std::string piece;
+    while (input.Pop(piece)) post.write(piece.data(), static_cast<std::streamsize>(piece.size()));
     post.Finish();
   } catch (...) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    failure_ = std::current_exception();
-    toPasses_.Stop();
+    Fail();
   }
+}
+
+void DeckPassesStream::Fail() {
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!failure_) failure_ = std::current_exception();
+  }
+  toPasses_.Stop();
+  toPost_.Stop();
 }
 
 void DeckPassesStream::Finish() {
   if (!input_.empty()) Send();
   toPasses_.Close();
-  worker_.join();
+  if (probeWorker_.joinable()) probeWorker_.join();
+  postWorker_.join();
   {
     std::lock_guard<std::mutex> lock(mutex_);
     if (failure_) std::rethrow_exception(failure_);

@@ -15,12 +15,12 @@
 #include "post/probe_pass.h"
 #include "post/text_queue.h"
 
-/// An ostream whose text goes, in large pieces, to a thread of its own that runs the probe pass
-/// (when `probeState` is given) and then the post-process pass on it. What the passes make comes
-/// back and is written to `target` on the writer's thread, so the passes' thread touches neither
-/// the target nor the console: the probe pass's messages are held for Messages. The text that
-/// reaches the target is the one the two passes make of the whole deck, one after the other.
-/// The state and settings are the passes' alone while they run.
+/// An ostream whose text goes, in pieces, to the probe pass (when `probeState` is given) and then
+/// the post-process pass, each on a thread of its own, the probe pass handing its text on as it
+/// goes. What the passes make comes back and is written to `target` on the writer's thread, so
+/// the passes' threads touch neither the target nor the console: the probe pass's messages are
+/// held for Messages. The text that reaches the target is the one the two passes make of the
+/// whole deck, one after the other. The state and settings are the passes' alone while they run.
 class DeckPassesStream : private std::streambuf, public std::ostream {
  public:
   DeckPassesStream(ProbePassState* probeState, const PrintSettings& printSettings, PostSettings& postSettings,
@@ -35,8 +35,21 @@ class DeckPassesStream : private std::streambuf, public std::ostream {
   std::string Messages() const { return messages_.str(); }
 
  private:
-  static constexpr size_t kPieceSize = 1 << 20;
-  static constexpr size_t kPiecesAhead = 4;
+  // Small pieces, so that the passes keep up with the writer and little is left for them when
+  // the last line comes.
+  static constexpr size_t kPieceSize = 1 << 17;
+  static constexpr size_t kPiecesAhead = 32;
+
+  // Where the probe pass's text goes on its thread: into the queue of the post pass.
+  class ToPostPass : public std::streambuf {
+   public:
+    explicit ToPostPass(TextQueue& queue) : queue_(queue) {}
+
+   private:
+    int_type overflow(int_type c) override;
+    std::streamsize xsputn(const char* text, std::streamsize size) override;
+    TextQueue& queue_;
+  };
 
   // Where the post pass's text goes on the passes' thread: into the pieces the writer's
   // thread takes.
@@ -56,7 +69,10 @@ class DeckPassesStream : private std::streambuf, public std::ostream {
   void Send();
   /// Writes what the passes have made so far to the target.
   void WriteDone();
-  void Work();
+  void ProbeWork();
+  void PostWork(TextQueue& input);
+  /// Keeps the first failure of a pass and stops both queues, so that no thread waits on one.
+  void Fail();
 
   ProbePassState* probeState_;
   const PrintSettings& printSettings_;
@@ -64,11 +80,14 @@ class DeckPassesStream : private std::streambuf, public std::ostream {
   std::ostream& target_;
   std::string input_;  // the writer's side
   TextQueue toPasses_{kPiecesAhead};
+  TextQueue toPost_{kPiecesAhead};  // the probe pass's text, when there is a probe pass
+  ToPostPass toPostBuffer_{toPost_};
   HandBack handBack_{*this};
   std::ostream made_{&handBack_};  // the passes' side
   std::ostringstream messages_;    // the passes' side until Finish
   std::mutex mutex_;
   std::deque<std::string> done_;
   std::exception_ptr failure_;
-  std::thread worker_;
+  std::thread probeWorker_;
+  std::thread postWorker_;
 };

@@ -18,6 +18,10 @@
 #include "run/streamed_passes.h"
 #include "run/streamed_run.h"
 
+/// Batches of the root's components the pipe holds while the main thread is still on the nodes
+/// and sub-blocks (ComponentPipe::kBatchSize each): a few megabytes.
+constexpr size_t kRootBatchesAhead = 48;
+
 /// RunStreamedHierarchy takes the runs whose passes may run on the deck's text as it is
 /// written (PassesMayStream, run/hier_passes.h): hierarchical decks of the plain flavours.
 template <class Flavour>
@@ -44,7 +48,9 @@ int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
   // root's components first: on their own thread they take a list of their own.
   project->rootBlock.options.usedNames = std::make_shared<UsedNames>();
   // That thread prints nothing: a component's load of these flavours has nothing to say.
-  ComponentPipe pipe;
+  // The generator starts on them only once the nodes and the sub-blocks are known; the pipe
+  // holds enough for the thread to keep going until then.
+  ComponentPipe pipe(kRootBatchesAhead);
   PipeFiller rootWalk(pipe, [&] { return project->StreamRootComponents(&pipe); });
 
   // What the classic walk does behind the root's components: its nodes, then the sub-blocks.

@@ -312,11 +312,11 @@ bool SpiceBlock::StreamComponents(Tessel::ContainerT<const Tessel::IPath>& path,
   for (; it->IsValid(); it++) {
     const Tessel::IComp& loaded = *it.operator->();
     if (!IsLoadedComp(loaded)) continue;
-    SpiceComp comp;
+    SpiceComp& comp = sink->NewComp();
     comp.uidManager = uidManager;
     comp.LoadAllButPins(it, options, instancePath, modelMapper, *naming, &gatheredAttributes);
     if (!comp.excluded) comp.LoadPins(loaded, netAliases);
-    if (!sink->Take(std::move(comp))) return false;
+    if (!sink->Hand()) return false;
   }
   gatheredAttributes = GatheredAttributesCache();
   return true;
@@ -430,10 +430,13 @@ void SpiceBlock::AddFlatInstance(const Tessel::IteratorT<const Tessel::IComp>& c
 }
 
 bool SpiceBlock::AddFlatComp(const Tessel::IteratorT<const Tessel::IComp>& comp, ComponentSink* sink) {
+  // A sink's taker places the global names itself, in its own node table.
+  if (sink) {
+    sink->NewComp().LoadFlat(comp, options, *naming, *pinNodes, &gatheredAttributes);
+    return sink->Hand();
+  }
   SpiceComp flat;
   flat.LoadFlat(comp, options, *naming, *pinNodes, &gatheredAttributes);
-  // A sink's taker places the global names itself, in its own node table.
-  if (sink) return sink->Take(std::move(flat));
   ForEachSubBlockGlobal(flat,
                         [this](const std::string& name, const std::string& node) { nodeMap[name] = node; });
   comps.push_back(std::move(flat));

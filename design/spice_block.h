@@ -32,8 +32,17 @@ struct NetProbe {
 class ComponentSink {
  public:
   virtual ~ComponentSink() = default;
-  /// Takes `comp`; false ends the walk early (the taker has stopped).
-  virtual bool Take(SpiceComp&& comp) = 0;
+  /// A new, empty component held by the sink, for the walk to load where it stays (a component
+  /// is large: moving each one costs as much as some of its load). Hand gives it over; one that
+  /// is not handed (its load failed) is dropped at the next NewComp.
+  virtual SpiceComp& NewComp() = 0;
+  /// Gives over the component NewComp gave; false ends the walk early (the taker has stopped).
+  virtual bool Hand() = 0;
+  /// Takes a component loaded elsewhere.
+  bool Take(SpiceComp&& comp) {
+    NewComp() = std::move(comp);
+    return Hand();
+  }
 };
 
 class SpiceBlock {

@@ -3,19 +3,27 @@
 
 #include <utility>
 
-bool ComponentPipe::Take(SpiceComp&& comp) {
+SpiceComp& ComponentPipe::NewComp() {
+  // Reserved whole, so that no component moves while the batch fills.
   if (filling_.empty()) filling_.reserve(kBatchSize);
-  filling_.push_back(std::move(comp));
-  return filling_.size() < kBatchSize || Send();
+  filling_.resize(handed_);
+  return filling_.emplace_back();
+}
+
+bool ComponentPipe::Hand() {
+  ++handed_;
+  return handed_ < kBatchSize || Send();
 }
 
 bool ComponentPipe::Send() {
   const bool taken = batches_.Push(std::move(filling_));
   filling_ = std::vector<SpiceComp>();
+  handed_ = 0;
   return taken;
 }
 
 void ComponentPipe::Close() {
+  filling_.resize(handed_);
   if (!filling_.empty()) Send();
   batches_.Close();
 }

@@ -20,8 +20,9 @@ class ComponentPipe : public ComponentSink {
   explicit ComponentPipe(size_t batches = kBatches) : batches_(batches) {}
 
   // ---- the walk's side ----
+  SpiceComp& NewComp() override;
   /// False once the generator has stopped reading.
-  bool Take(SpiceComp&& comp) override;
+  bool Hand() override;
   /// No more components come: the walk has ended, well or not.
   void Close();
 
@@ -37,6 +38,7 @@ class ComponentPipe : public ComponentSink {
 
   BoundedQueue<std::vector<SpiceComp>> batches_;
   std::vector<SpiceComp> filling_;  // the walk's side only
+  size_t handed_ = 0;               // of filling_, the components handed over
 };
 
 /// The thread that fills a pipe: it runs `fill` and closes the pipe, whatever `fill` does; the

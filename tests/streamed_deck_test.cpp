@@ -38,6 +38,25 @@ TEST(ComponentPipe, HandsEveryComponentOverInWalkOrder) {
   }
 }
 
+TEST(ComponentPipe, AComponentWhoseLoadFailedIsNeverHandedOver) {
+  // The walk loads in place; a load that throws leaves its component unhanded, in the middle
+  // of a batch or at its end, and the generator must not see it.
+  for (int failAt : {0, 7, 511, 512}) {
+    ComponentPipe pipe;
+    for (int i = 0; i < failAt; ++i) {
+      pipe.NewComp().label = "R" + std::to_string(i);
+      ASSERT_TRUE(pipe.Hand());
+    }
+    pipe.NewComp().label = "half loaded";
+    pipe.Close();
+    std::vector<SpiceComp> batch;
+    int seen = 0;
+    while (pipe.Next(batch))
+      for (const SpiceComp& comp : batch) EXPECT_EQ(comp.Label(), "R" + std::to_string(seen++));
+    EXPECT_EQ(seen, failAt);
+  }
+}
+
 TEST(ComponentPipe, AStoppedReaderEndsAWalkThatWaitsOnAFullPipe) {
   ComponentPipe pipe;
   int taken = 0;

@@ -1,6 +1,8 @@
 // ComponentPipe: component batches between two threads; PipeFiller: the thread that fills them.
 #include "gen/component_pipe.h"
 
+#include "design/stage_thread.h"
+
 #include <utility>
 
 SpiceComp& ComponentPipe::NewComp() {
@@ -35,7 +37,7 @@ bool ComponentPipe::Next(std::vector<SpiceComp>& batch) {
 }
 
 PipeFiller::PipeFiller(ComponentPipe& pipe, std::function<bool()> fill) : pipe_(pipe) {
-  thread_ = std::thread([this, fill = std::move(fill)] {
+  thread_ = StartStage([this, fill = std::move(fill)] {
     try {
       filled_ = fill();
     } catch (...) {

@@ -87,6 +87,12 @@ class CSpiceGen {
   /// The whole deck, written to `deck`, in the order `frame` gives: header, definitions,
   /// root, closing lines.
   void RunFrame(SpiceProject& project, const DeckFrame& frame, std::ostream& deck);
+  /// Gives back what only the writing of the deck needed (the node table, the dictionary), for
+  /// a run whose passes still work on the text: they need none of it.
+  void ReleaseWrittenState() {
+    walk = BlockWalk();
+    dictionaryLines.Clear();
+  }
   /// The root's component loop; a flavour that writes some components its own way overrides it.
   virtual void WriteRootComponents(SpiceBlock& root) { WriteComponents(root); }
   /// Lines a flavour adds behind the model includes.

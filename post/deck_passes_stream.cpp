@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "design/stage_thread.h"
 #include "post/post_stream.h"
 
 DeckPassesStream::DeckPassesStream(ProbePassState* probeState, const PrintSettings& printSettings,
@@ -12,11 +13,14 @@ DeckPassesStream::DeckPassesStream(ProbePassState* probeState, const PrintSettin
       printSettings_(printSettings),
       postSettings_(postSettings),
       target_(target) {
+  // Where the threads begin: the writer's thread takes about as much as the stage that feeds it
+  // (the walk, started away from it), the probe pass about as much as the post pass. The post
+  // pass behind a probe pass begins beside the writer, and each of the others away from it.
   if (probeState_) {
-    probeWorker_ = std::thread([this] { ProbeWork(); });
+    probeWorker_ = StartStage([this] { ProbeWork(); });
     postWorker_ = std::thread([this] { PostWork(toPost_); });
   } else {
-    postWorker_ = std::thread([this] { PostWork(toPasses_); });
+    postWorker_ = StartStage([this] { PostWork(toPasses_); });
   }
 }
 

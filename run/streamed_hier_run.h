@@ -92,6 +92,7 @@ int RunStreamedHierarchy(const WireOptions& options, const std::string& group) {
       rootLoaded = rootWalk.Join();
       if (rootLoaded) {
         project.reset();
+        gen.ReleaseWrittenState();
         passes.Finish();
         passMessages = passes.Messages();
       }

@@ -75,6 +75,12 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
   gen.streamedBlock = &project->Root();
   try {
     if (scanned) gen.Run(*project, postStream);
+    // The walk has handed over its last component: what the design and the generator hold goes
+    // back while the post pass finishes the text.
+    if (scanned && walker.Join()) {
+      project.reset();
+      gen.ReleaseWrittenState();
+    }
     postStream.Finish();
   } catch (const GlobalNameCameLate&) {
     return kRunClassically;
@@ -90,7 +96,6 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     console.Print(rootText);
     return kExitNoDatabase;
   }
-  project.reset();
   const bool written = deck->Commit();
   console.Print(rootText + configText + console.Take());
   if (!written) return kExitWriteFailed;

@@ -257,6 +257,11 @@ bool LoadPorts(SqliteDb& db, Design& d, std::vector<uint32_t>& links) {
 
 // The components of one stretch of the table, with their pins and links: numbered from the
 // starts of the lists given, which are the design's own for the first stretch.
+template <class List>
+void ShrinkWhenWasteful(List& list) {
+  if (list.capacity() - list.size() > list.size() / 8) list.shrink_to_fit();
+}
+
 struct CompStretch {
   uint32_t first = 0;  // the id of the first row
   bool toEnd = true;   // true: every row from `first` on; false: the rows below `end`
@@ -490,9 +495,10 @@ bool LoadDesign(const std::string& file, Design& design, std::string& error) {
   design.links.insert(design.links.end(), portLinks.begin(), portLinks.end());
   design.strings.ReleaseIndex();
   // Their sizes were not known ahead: give back what the growth left over, as the design
-  // stays in memory for the whole walk.
-  design.pins.shrink_to_fit();
-  design.links.shrink_to_fit();
+  // stays in memory for the whole walk. The guess is usually close, and a copy of a list
+  // that is nearly full would cost more than it gives back.
+  ShrinkWhenWasteful(design.pins);
+  ShrinkWhenWasteful(design.links);
   uint32_t comps = design.blocks.empty() ? 0 : design.blocks.back().compsEnd;
   uint32_t nets = design.blocks.empty() ? 0 : design.blocks.back().netsEnd;
   if (comps != design.comps.size() || nets != design.nets.size()) {

@@ -118,8 +118,8 @@ std::string CalledSubckt(const std::string& line) {
 
 namespace {
 
-ProbeScope* EnterInstance(ProbePassState& state, const std::string& instance, const std::string& subcircuit,
-                          const std::string& target, ProbeScope* scope) {
+ProbeScope* EnterInstance(ProbePassState& state, const std::string& line, const std::string& subcircuit,
+                          ProbeScope* scope) {
   if (scope->name.empty() || scope->name != subcircuit) {
     ProbeScope* next = state.NewProbeScope();
     scope->next = next;
@@ -127,7 +127,7 @@ ProbeScope* EnterInstance(ProbePassState& state, const std::string& instance, co
     next->name = subcircuit;
     scope = next;
   }
-  scope->instances[instance] = target;
+  scope->instances[FirstWordFrom(line, 0)] = CalledSubckt(line);
   return scope;
 }
 
@@ -138,9 +138,16 @@ ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const 
   if (!state.probeSeen) {
     // The instances held so far go into the chain as they came, ahead of this probe.
     state.probeSeen = true;
-    for (const ProbePassState::HeldInstance& held : state.heldInstances)
-      scope = EnterInstance(state, held.instance, held.subcircuit, held.target, scope);
-    state.heldInstances = std::vector<ProbePassState::HeldInstance>();
+    std::string held, subcircuit, line;
+    held.swap(state.heldInstances);
+    for (size_t pos = 0; pos < held.size();) {
+      const size_t subcircuitEnd = held.find('\n', pos);
+      const size_t lineEnd = held.find('\n', subcircuitEnd + 1);
+      subcircuit.assign(held, pos, subcircuitEnd - pos);
+      line.assign(held, subcircuitEnd + 1, lineEnd - subcircuitEnd - 1);
+      scope = EnterInstance(state, line, subcircuit, scope);
+      pos = lineEnd + 1;
+    }
   }
   if (scope->name.empty()) {
     scope->name = subcircuit;
@@ -155,13 +162,13 @@ ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const 
   return scope;
 }
 
-ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& instance,
-                             const std::string& subcircuit, const std::string& target, ProbeScope* scope) {
+ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& line, const std::string& subcircuit,
+                             ProbeScope* scope) {
   if (!state.probeSeen) {
-    state.heldInstances.push_back({instance, subcircuit, target});
+    state.heldInstances.append(subcircuit).append(1, '\n').append(line).append(1, '\n');
     return scope;
   }
-  return EnterInstance(state, instance, subcircuit, target, scope);
+  return EnterInstance(state, line, subcircuit, scope);
 }
 
 void NoteModel(ProbePassState& state, const std::string& name) {
@@ -291,7 +298,7 @@ class ProbePass {
     } else if (StartsWith(line, ".subckt") || StartsWith(line, ".SUBCKT")) {
       OpenSubckt(FirstWordFrom(line, 7));
     } else if (StartsWith(line, "x") || StartsWith(line, "X")) {
-      Tail() = AddScopeInstance(state_, FirstWordFrom(line, 0), subcircuit_, CalledSubckt(line), Tail());
+      Tail() = AddScopeInstance(state_, line, subcircuit_, Tail());
     } else if (StartsWith(line, ".model") || StartsWith(line, ".MODEL")) {
       NoteModel(state_, subcktPath_.empty() ? ModelName(line) : subcktPath_ + "." + ModelName(line));
     } else if (StartsWith(line, ".ENDS") || StartsWith(line, ".ends")) {

@@ -32,10 +32,10 @@ void ProbeProcessLines(ProbeLineSource& source, ProbePassState& state, const Pri
 ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const std::string& node,
                           const std::string& subcircuit, ProbeScope* scope);
 
-/// Enters an instance calling `target`; a top-level instance always opens a new scope. Until
-/// the first probe the instances are held, and entered ahead of it.
-ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& instance,
-                             const std::string& subcircuit, const std::string& target, ProbeScope* scope);
+/// Enters the instance of the X line `line` in `subcircuit`; a top-level instance always opens
+/// a new scope. Until the first probe the instances are held, and entered ahead of it.
+ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& line, const std::string& subcircuit,
+                             ProbeScope* scope);
 
 /// Records a model by its full path; a second definition queues a duplicate message.
 void NoteModel(ProbePassState& state, const std::string& name);

@@ -29,10 +29,9 @@ struct ProbePassState {
   // Instances only ever lead to probes, so until the first probe they are held here, in
   // order, and entered into the chain when it comes: a deck without probes (most decks, and
   // one line per placement) builds no chain and has no statements to walk for.
-  struct HeldInstance {
-    std::string instance, subcircuit, target;
-  };
-  std::vector<HeldInstance> heldInstances;
+  // Each is held as its subcircuit and its (joined) line, each ended by "\n", which neither
+  // holds: one growing text instead of three texts for each.
+  std::string heldInstances;
   bool probeSeen = false;
   NewestFirstList modelNames, subcktNames, duplicateModels, duplicateSubckts, probeItems;
   bool hasAcAnalysis = false;

@@ -49,6 +49,18 @@ TEST(ProbePassTest, LineLoopCornerCases) {
        ".SUBCKT A 1\n* voltage probe on node :  LATER\n.ENDS\n*.END\n",
        ".SUBCKT A 1\n.ENDS\n\n.SUBCKT B 1\n.ENDS\n\n.SUBCKT A 1\n.ENDS\n\nX1 1 A\nX2 1 NOPE\n.tran 1n 1u\n"
        ".SUBCKT A 1\n.ENDS\n\n.PROBE V([X1.NEW])\n\n*.END\n \n"},
+      // Instances met before the first probe lead to it as those behind it do: the one inside a
+      // definition, the top-level ones ahead of a top-level probe. A top-level instance ahead of a
+      // definition's first probe joins that definition's scope, and so gets no statement.
+      {".SUBCKT B 1\n.ENDS\n.SUBCKT A 1\nX7 1 B\n* voltage probe on node :  N1\n.ENDS\nX1 1 A\n.ac dec 10 1 1g\n"
+       "*.END\n",
+       ".SUBCKT B 1\n.ENDS\n\n.SUBCKT A 1\nX7 1 B\n.ENDS\n\nX1 1 A\n.ac dec 10 1 1g\n"
+       ".PROBE/CSDF\n+ VDB([X1.N1]) VP([X1.N1])\n\n*.END\n \n"},
+      {".SUBCKT A 1\n* current probe\n.ENDS\nX1 1 A\nX2 2 A\n* voltage probe on node :  OUT\nX3 3 A\n.tran 1n 1u\n"
+       "*.END\n",
+       ".SUBCKT A 1\n* current probe\n.ENDS\n\nX1 1 A\nX2 2 A\nX3 3 A\n.tran 1n 1u\n.PROBE V([OUT])\n\n*.END\n \n"},
+      {"X1 1 A\n.SUBCKT A 1\n* voltage probe on node :  N1\n.ENDS\n.tran 1n 1u\n*.END\n",
+       "X1 1 A\n.SUBCKT A 1\n.ENDS\n\n.tran 1n 1u\n\n*.END\n \n"},
       // Items joined with their "+" lines, each once, newest first.
       {".probe/csdf V(1)\n+ V(2)\n.probe/csdf V(1)\n.probe/csdf I(R1)\n*.end\n",
        "+ V(2)\n.PROBE  I(R1)\n.PROBE  V(1)\n.PROBE  V(1)  V(2)\n\n*.end\n \n"},

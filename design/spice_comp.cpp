@@ -173,7 +173,7 @@ ModelData& SpiceComp::MutableModel() {
 
 const std::string& SpiceComp::ModelPinList() const { return model ? model->modelPinList : kEmpty; }
 
-const SpiceNet* SpiceComp::FindPin(const std::string& key) const {
+const SpiceNet* SpiceComp::FindPin(std::string_view key) const {
   if (pinNets.size() < kIndexedPins) {
     for (auto it = pinNets.rbegin(); it != pinNets.rend(); ++it)
       if (it->key == key) return &it->net;
@@ -185,7 +185,7 @@ const SpiceNet* SpiceComp::FindPin(const std::string& key) const {
     pinIndex_ = index;
     pinIndexCount_ = pinNets.size();
   }
-  auto found = pinIndex_->find(key);
+  auto found = pinIndex_->find(std::string(key));
   return found == pinIndex_->end() ? nullptr : &pinNets[found->second].net;
 }
 

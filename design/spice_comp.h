@@ -128,7 +128,7 @@ class SpiceComp {
   std::vector<std::string> BareAttributes() const;
   const std::vector<PinEntry>& PinNets() const { return pinNets; }
   /// The entry under `key`, or nullptr.
-  const SpiceNet* FindPin(const std::string& key) const;
+  const SpiceNet* FindPin(std::string_view key) const;
 
   const std::string& Label() const { return label; }
   const std::string& RefName() const { return refName; }

@@ -1,6 +1,8 @@
 // One component line: instance name, nodes, and the body its ORDER template describes.
 #include <cctype>
 #include <iostream>
+#include <memory>
+#include <vector>
 
 #include "expr/attribute_text.h"
 #include "expr/text.h"
@@ -37,71 +39,127 @@ size_t TokenEnd(const std::string& text, size_t i) {
   return i;
 }
 
-// Interprets one ORDER template into the generator's lineBody.
+// One ORDER template read into its steps once: the components of a symbol share their
+// template, and each only runs the steps.
+struct OrderStep {
+  enum Kind { kText, kValue, kDistribution, kPin, kParameter, kKeyword };
+  Kind kind;
+  std::string text;   // kText: the quoted text with its blank; kParameter: "NAME=" as written
+  std::string name;   // as written: the attribute, or the pin
+  std::string upper;  // the attribute's key
+};
+using OrderProgram = std::vector<OrderStep>;
+
+// Copies quoted text from `i` up to the closing quote (or the end), escapes applied, then a
+// blank; returns the position behind the quote.
+size_t ReadQuotedText(const std::string& order, size_t i, std::string& text) {
+  while (i < order.size() && order[i] != '"') {
+    if (order[i] == '\\') {
+      if (i + 1 < order.size()) text += EscapeCharacter(order[i + 1]);
+      i += 2;
+      continue;
+    }
+    text += order[i++];
+  }
+  text += ' ';
+  return i + 1;
+}
+
+// "NAME$": a value; "NAME[": a pin; "NAME=" or "NAME=$": a parameter; else a keyword.
+OrderStep ReadToken(const std::string& token) {
+  const char last = token.back();
+  OrderStep step;
+  if (token.size() >= 2 && last == '$' && token[token.size() - 2] != '=') {
+    for (size_t i = 0; i + 1 < token.size(); ++i)
+      if (token[i] != '=') step.name += token[i];
+    step.upper = UpperText(step.name);
+    step.kind = step.upper == "DISTRIBUTION" ? OrderStep::kDistribution : OrderStep::kValue;
+  } else if (token.size() >= 2 && last == '[') {
+    step.kind = OrderStep::kPin;
+    step.name = token.substr(0, token.size() - 1);
+  } else if (token.size() >= 2 && (last == '=' || last == '$')) {
+    step.kind = OrderStep::kParameter;
+    for (char c : token)
+      if (c != '$') step.text += c;
+    step.name = step.text.substr(0, step.text.size() - 1);
+    step.upper = UpperText(step.name);
+  } else {
+    step.kind = OrderStep::kKeyword;
+    step.name = token;
+    step.upper = UpperText(token);
+  }
+  return step;
+}
+
+// The steps of a template (already normalized): quoted texts and tokens, in order; other
+// characters only part them.
+OrderProgram ReadOrderProgram(const std::string& order) {
+  OrderProgram program;
+  size_t i = 0;
+  while (i < order.size()) {
+    char c = order[i];
+    if (c == '"') {
+      OrderStep step{OrderStep::kText, std::string(), std::string(), std::string()};
+      i = ReadQuotedText(order, i + 1, step.text);
+      program.push_back(std::move(step));
+    } else if (!IsAlnum(c)) {
+      ++i;
+    } else {
+      size_t end = TokenEnd(order, i);
+      program.push_back(ReadToken(order.substr(i, end - i)));
+      i = end;
+    }
+  }
+  return program;
+}
+
+// Runs the steps of one template for one component into the generator's lineBody.
 class OrderExpander {
  public:
   OrderExpander(CSpiceGen& gen, SpiceComp& comp) : gen_(gen), comp_(comp), body_(gen.walk.lineBody) {}
 
-  void Interpret(const std::string& order) {
-    size_t i = 0;
-    while (i < order.size()) {
-      char c = order[i];
-      if (c == '"') {
-        i = AppendQuotedText(order, i + 1);
-      } else if (!IsAlnum(c)) {
-        ++i;
-      } else {
-        size_t end = TokenEnd(order, i);
-        ExpandToken(order.substr(i, end - i));
-        i = end;
+  void Run(const OrderProgram& program) {
+    for (const OrderStep& step : program) {
+      switch (step.kind) {
+        case OrderStep::kText:
+          body_ += step.text;
+          break;
+        case OrderStep::kValue:
+          ExpandValue(step);
+          break;
+        case OrderStep::kDistribution:
+          AppendDistribution();
+          break;
+        case OrderStep::kPin:
+          ExpandPin(step.name);
+          break;
+        case OrderStep::kParameter:
+          ExpandParameter(step);
+          break;
+        case OrderStep::kKeyword:
+          ExpandKeyword(step);
+          break;
       }
     }
   }
 
  private:
-  // Copies quoted text up to the closing quote (or the end), escapes applied, then a blank.
-  size_t AppendQuotedText(const std::string& order, size_t i) {
-    while (i < order.size() && order[i] != '"') {
-      if (order[i] == '\\') {
-        if (i + 1 < order.size()) body_ += EscapeCharacter(order[i + 1]);
-        i += 2;
-        continue;
-      }
-      body_ += order[i++];
-    }
-    body_ += ' ';
-    return i + 1;
-  }
-
-  void ExpandToken(const std::string& token) {
-    const char last = token.back();
-    if (token.size() >= 2 && last == '$' && token[token.size() - 2] != '=') return ExpandValue(token);
-    if (token.size() >= 2 && last == '[') return ExpandPin(token.substr(0, token.size() - 1));
-    if (token.size() >= 2 && (last == '=' || last == '$')) return ExpandParameter(token);
-    ExpandKeyword(token);
-  }
-
   // "TC" with its value: "TC 2 "; nothing without the attribute.
-  void ExpandKeyword(const std::string& token) {
-    const std::string& attribute = comp_.Attributes().Get(UpperText(token));
+  void ExpandKeyword(const OrderStep& step) {
+    const std::string& attribute = comp_.Attributes().Get(step.upper);
     if (attribute.empty()) return;
-    body_ += token;
+    body_ += step.name;
     body_ += ' ';
-    std::string value = gen_.EvaluateAttributeValue(comp_, token, attribute);
-    if (!gen_.walk.modelRegistered && token == "MODEL") Register(value);
+    std::string value = gen_.EvaluateAttributeValue(comp_, step.name, attribute);
+    if (!gen_.walk.modelRegistered && step.name == "MODEL") Register(value);
     body_ += value;
     body_ += ' ';
   }
 
   // "NAME$": the value; VALUE, DCVAL and ACMAG default to 0 with a note.
-  void ExpandValue(const std::string& token) {
-    std::string name;
-    for (size_t i = 0; i + 1 < token.size(); ++i)
-      if (token[i] != '=') name += token[i];
-    const std::string upperName = UpperText(name);
-    if (upperName == "DISTRIBUTION") return AppendDistribution();
-
-    std::string value = gen_.EvaluateAttributeValue(comp_, name, comp_.Attributes().Get(upperName));
+  void ExpandValue(const OrderStep& step) {
+    const std::string& upperName = step.upper;
+    std::string value = gen_.EvaluateAttributeValue(comp_, step.name, comp_.Attributes().Get(upperName));
     if ((upperName == "VALUE" || upperName == "DCVAL" || upperName == "ACMAG") && IsEmptyOrBlank(value)) {
       AppendDefaultZero();
     } else {
@@ -140,20 +198,15 @@ class OrderExpander {
   }
 
   // "NAME=" or "NAME=$": " NAME=value "; nothing without the attribute.
-  void ExpandParameter(const std::string& token) {
-    std::string cleaned;
-    for (char c : token)
-      if (c != '$') cleaned += c;
-    const std::string name = cleaned.substr(0, cleaned.size() - 1);
-    const std::string upperName = UpperText(name);
-    const std::string& attribute = comp_.Attributes().Get(upperName);
+  void ExpandParameter(const OrderStep& step) {
+    const std::string& attribute = comp_.Attributes().Get(step.upper);
     if (IsEmptyOrBlank(attribute)) return;
-    std::string value = gen_.EvaluateAttributeValue(comp_, name, attribute);
+    std::string value = gen_.EvaluateAttributeValue(comp_, step.name, attribute);
     body_ += ' ';
-    body_ += cleaned;
+    body_ += step.text;
     body_ += value;
     body_ += ' ';
-    if (!gen_.walk.modelRegistered && upperName == "MODEL") Register(value);
+    if (!gen_.walk.modelRegistered && step.upper == "MODEL") Register(value);
   }
 
   void Register(const std::string& model) {
@@ -234,17 +287,19 @@ void CSpiceGen::ExpandOrder(SpiceComp& comp) {
     chosen = comp.Attribute(options.firstOrder);
   const std::string& ordered = comp.Attributes().Get("ORDER");
   const std::string& order = !chosen.empty() ? chosen : !ordered.empty() ? ordered : kModelOnly;
-  // Components of one symbol share their template: the last one laid out is kept, per
-  // thread, as the generator of a run is driven by one.
-  static thread_local std::string lastOrder, lastLayout = NormalizeOrderTemplate(lastOrder);
+  // Components of one symbol share their template: the last one read is kept, per thread,
+  // as the generator of a run is driven by one.
+  static thread_local std::string lastOrder;
+  static thread_local std::shared_ptr<const OrderProgram> lastProgram =
+      std::make_shared<const OrderProgram>(ReadOrderProgram(NormalizeOrderTemplate(lastOrder)));
   if (order != lastOrder) {
-    lastLayout = NormalizeOrderTemplate(order);
+    lastProgram = std::make_shared<const OrderProgram>(ReadOrderProgram(NormalizeOrderTemplate(order)));
     lastOrder = order;
   }
-  const std::string layout = lastLayout;  // its own copy, should a value lead back here
+  const std::shared_ptr<const OrderProgram> program = lastProgram;  // kept, should a value lead back here
   walk.lineBody.clear();
   walk.modelRegistered = false;
-  OrderExpander(*this, comp).Interpret(layout);
+  OrderExpander(*this, comp).Run(*program);
   TrimInPlace(walk.lineBody);
   if (!walk.lineBody.empty() || options.alien || comp.Kind() == kInstance) return;
   DefaultFromBare(walk.lineBody, comp);

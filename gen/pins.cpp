@@ -14,11 +14,13 @@ bool HoldsInnerBlank(const std::string& text) {
 
 // Pins are written unless "No Pins" (or NO_PINS) says otherwise: empty, "0" or "false".
 bool PinsWanted(const SpiceComp& comp) {
-  std::string noPins = comp.Attributes().Get("NO PINS");
-  if (noPins.empty()) noPins = comp.Attributes().Get("NO_PINS");
+  const std::string& spaced = comp.Attributes().Get("NO PINS");
+  const std::string& noPins = spaced.empty() ? comp.Attributes().Get("NO_PINS") : spaced;
   if (noPins.empty() || noPins == "0") return true;
   return LowerText(noPins) == "false";
 }
+
+const std::string kNoNet;
 
 const std::string& PinListText(const SpiceComp& comp) {
   if (comp.HasModelPins()) return comp.ModelPinList();
@@ -43,13 +45,14 @@ void CSpiceGen::WritePins(const SpiceComp& comp, bool group) {
   for (size_t pos = 0; pos <= pinList.size(); ++k) {
     size_t blank = pinList.find(' ', pos);
     if (blank == std::string::npos) blank = pinList.size();
-    const std::string word = pinList.substr(pos, blank - pos);
+    const std::string_view word(pinList.data() + pos, blank - pos);
     if (word.empty()) break;
     pos = blank + 1;
     const SpiceNet* pin = comp.FindPin(word);
-    if (pin && !pin->IsConnected()) AddNote("* Pin " + comp.RefName() + "." + word + " is not connected");
+    if (pin && !pin->IsConnected())
+      AddNote("* Pin " + comp.RefName() + "." + std::string(word) + " is not connected");
     const SpiceNet* entry = k < pinNets.size() ? &pinNets[k].net : nullptr;
-    WritePinNode(pin ? pin->Name() : std::string(), group, entry);
+    WritePinNode(pin ? pin->Name() : kNoNet, group, entry);
   }
 }
 

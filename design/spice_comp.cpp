@@ -277,7 +277,7 @@ void SpiceComp::FormDeckName(const WireOptions& options, const DeckNaming& namin
 
 // ---- pins ----
 
-void SpiceComp::AddPin(std::string key, SpiceNet net) {
+void SpiceComp::AddPin(std::string key, SpiceNet&& net) {
   pinNets.push_back(PinEntry{std::move(key), std::move(net)});
 }
 
@@ -326,9 +326,10 @@ void SpiceComp::LoadPins(const Tessel::IComp& comp, const NetAliasTable& aliases
       continue;
     }
     Tessel::IteratorT<const Tessel::INet> nets;
-    Tessel::IteratorT<const Tessel::IBus> buses;
     pins->GetIterNetsConnected(nets);
-    pins->GetIterBusesConnected(buses);
+    // Only a pin of more than one bit may stand for a bus.
+    Tessel::IteratorT<const Tessel::IBus> buses;
+    if (width > 1) pins->GetIterBusesConnected(buses);
     if (width > 1 && !modelPins.empty() && modelPins.find(key) == std::string::npos)
       ExpandBusPin(key, nets, aliases);
     else if (hdl)

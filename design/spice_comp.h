@@ -175,7 +175,7 @@ class SpiceComp {
   void DecideKind(const Tessel::IComp& comp, const WireOptions& options);
   /// The deck name (refName) by the deck's naming rules.
   void FormDeckName(const WireOptions& options, const DeckNaming& naming);
-  void AddPin(std::string key, SpiceNet net);
+  void AddPin(std::string key, SpiceNet&& net);
   void ExpandBusPin(const std::string& pinName, Tessel::IteratorT<const Tessel::INet> nets,
                     const NetAliasTable& aliases);
 

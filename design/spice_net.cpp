@@ -11,11 +11,12 @@ const char* const kNetAttributeKeys[] = {"NODE", "PROBE", "IC", "NODESET", "GUES
 
 }  // namespace
 
-std::string NetName(const Tessel::INet& net, const NetAliasTable& aliases) {
-  Tessel::String label;
-  net.GetLabel(label);
+namespace {
+
+// The name of `net`, whose label has been read already.
+std::string NetNameOfLabel(const Tessel::INet& net, const std::string& label, const NetAliasTable& aliases) {
   if (!aliases.empty()) {
-    auto alias = aliases.find(label.str());
+    auto alias = aliases.find(label);
     if (alias != aliases.end() && !alias->second.empty()) return alias->second;
   }
   if (net.HasAttributes()) {
@@ -23,7 +24,15 @@ std::string NetName(const Tessel::INet& net, const NetAliasTable& aliases) {
     net.GetAttribute("NET_ALIAS", value, Tessel::eAttrInstance);
     if (!value.IsEmpty()) return value.str();
   }
-  return label.str();
+  return label;
+}
+
+}  // namespace
+
+std::string NetName(const Tessel::INet& net, const NetAliasTable& aliases) {
+  Tessel::String label;
+  net.GetLabel(label);
+  return NetNameOfLabel(net, label.str(), aliases);
 }
 
 SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::IPin>& pin) {
@@ -75,7 +84,7 @@ SpiceNet::SpiceNet(const Tessel::IteratorT<const Tessel::INet>& net, const NetAl
       if (read.success || !value.IsEmpty()) Detail().netAttributes[key] = value.str();
     }
   }
-  name = NetName(*net.operator->(), aliases);
+  name = NetNameOfLabel(*net.operator->(), label, aliases);
   if (walk) {
     Tessel::IteratorT<const Tessel::INet> next = net;
     for (next++; next->IsValid(); next++) name += " " + NetName(*next.operator->(), aliases);

@@ -104,7 +104,7 @@ bool ParameterSection(std::string_view contents, std::string modelName, std::str
   return kept;
 }
 
-std::string LoadInstanceParameters(std::string instanceName, const std::string& modelName, std::string& line,
+std::string LoadInstanceParameters(const std::string& instanceName, const std::string& modelName, std::string& line,
                                    const std::unordered_map<std::string, std::string>& internalNames,
                                    std::string& currentInstance, ParameterFileCache& cache) {
   if (modelName.empty()) return std::string();
@@ -119,14 +119,14 @@ std::string LoadInstanceParameters(std::string instanceName, const std::string& 
     files.param = ReadOnce(paramFile, files.any);
   }
   if (!files.any) return std::string();
-  instanceName = LowerText(instanceName);
+  const std::string instance = LowerText(instanceName);
   currentInstance.clear();
   // The internal name picks a -param.txt section; without that file nothing asks for it, and
   // a pass running beside the generator must not read the map the generator is filling.
   std::string result;
   bool fromSection = false;
   if (files.param.read) {
-    auto found = internalNames.find(instanceName);
+    auto found = internalNames.find(instance);
     const std::string internalName = found == internalNames.end() ? std::string() : found->second;
     fromSection = ParameterSection(files.param.text, modelName, internalName, result);
   }

@@ -25,7 +25,7 @@ using ParameterFileCache = std::unordered_map<std::string, ParameterFiles>;
 /// line untouched, when neither file exists. `internalNames` maps lower-case instance
 /// names to internal names; `currentInstance` is emptied once a file is found. The files
 /// are read through `cache`.
-std::string LoadInstanceParameters(std::string instanceName, const std::string& modelName, std::string& line,
+std::string LoadInstanceParameters(const std::string& instanceName, const std::string& modelName, std::string& line,
                                    const std::unordered_map<std::string, std::string>& internalNames,
                                    std::string& currentInstance, ParameterFileCache& cache);
 

@@ -235,13 +235,12 @@ bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settin
 }
 
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
-  std::string result;
   if (KeepsEveryParameterWord(line, settings)) {
     if (settings.currentInstance.empty()) settings.currentInstance = line.substr(0, line.find(' '));
-    // Each word with its blank, then the blank of the end word.
-    result.reserve(line.size() + 2);
-    result.append(line).append("  ");
+    // Each word with its blank, then the blank of the end word: the line as it is, in place.
+    line.append("  ");
   } else {
+    std::string result;
     result.reserve(line.size() + 16);
     bool first = true;
     ForEachWordWithEnd(line, [&](std::string_view word) {
@@ -249,16 +248,13 @@ std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSett
       first = false;
       AppendParameterWord(result, word, needsParams, settings);
     });
+    line.swap(result);
   }
-  std::string tail;
   const std::string& instance = settings.currentInstance;
-  if (StartsWith(instance, "X") || StartsWith(instance, "x")) {
-    // The model of an instance is the sub-circuit it calls, ahead of any parameters.
-    tail = LoadInstanceParameters(instance, CalledSubckt(result), result, settings.internalNames,
-                                  settings.currentInstance, settings.parameterFiles);
-  }
-  line.swap(result);
-  return tail;
+  if (!StartsWith(instance, "X") && !StartsWith(instance, "x")) return std::string();
+  // The model of an instance is the sub-circuit it calls, ahead of any parameters.
+  return LoadInstanceParameters(instance, CalledSubckt(line), line, settings.internalNames,
+                                settings.currentInstance, settings.parameterFiles);
 }
 
 void RewriteElementWords(std::string& line, const std::string& letter, PostSettings& settings) {

@@ -228,10 +228,15 @@ class ProbePass {
 
   // Lines that are dropped here: markers and items, or written by Act.
   static bool IsWrittenByAct(const std::string& line) {
+    // Each begins with "*", "." or a blank: most lines are told apart by their first character.
+    if (line.empty() || !MayBeSpecial(line[0])) return false;
     return StartsWith(line, kVoltageMarker) || StartsWithAfterBlanks(line, kCurrentMarker) ||
            StartsWith(line, ".probe/csdf") || StartsWith(line, "*.END") || StartsWith(line, "*.end") ||
            StartsWith(line, ".ENDS") || StartsWith(line, ".ends");
   }
+
+  // Whether a line beginning with `first` may be a marker, a dot command or an end line.
+  static bool MayBeSpecial(char first) { return first == '*' || first == '.' || IsBlank(first); }
 
   // Joins continuation lines onto `line`; they stay in the file as they were. A blank
   // line read here is dropped, and so is a comment line inside a model card.
@@ -286,6 +291,8 @@ class ProbePass {
   }
 
   void Act(const std::string& line) {
+    // An element line other than an instance, behind no current marker, says nothing here.
+    if (!pendingCurrent_ && !line.empty() && !MayBeSpecial(line[0]) && line[0] != 'x' && line[0] != 'X') return;
     if (pendingCurrent_) {
       pendingCurrent_ = false;
       Tail() = AddScopeProbe(state_, "c", FirstWordFrom(line, 0), subcircuit_, Tail());

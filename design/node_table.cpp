@@ -77,6 +77,11 @@ NodeTable::const_iterator NodeTable::find(std::string_view key) const {
   return at < 0 ? entries_.end() : entries_.begin() + at;
 }
 
+void NodeTable::Prefetch(std::string_view key) const {
+  if (slots_.empty()) return;
+  __builtin_prefetch(&slots_[StringSet::Hash(key) & (slots_.size() - 1)]);
+}
+
 void NodeTable::reserve(size_t count) {
   size_t wanted = 16;
   while (wanted < count * 2) wanted *= 2;

@@ -47,6 +47,10 @@ class NodeTable {
   const_iterator end() const { return entries_.end(); }
   size_t size() const { return entries_.size(); }
   bool empty() const { return entries_.empty(); }
+  /// Starts loading the index slot where `key` is found or would go, for a lookup a little
+  /// later: in a large table most new keys cost a cache miss there, which can then overlap
+  /// other work.
+  void Prefetch(std::string_view key) const;
   /// Room for `count` entries without growing the index.
   void reserve(size_t count);
   void clear();

@@ -121,9 +121,15 @@ void CSpiceGen::WriteComponent(SpiceComp& comp) {
 }
 
 void CSpiceGen::WriteStreamedComponents(SpiceBlock& root) {
+  // The nets of the component a few places ahead are looked for in the node table early, so
+  // that the misses of a large table overlap the writing of the lines before.
+  constexpr size_t kPrefetchAhead = 4;
   std::vector<SpiceComp> batch;
   while (streamedComponents->Next(batch)) {
-    for (SpiceComp& comp : batch) {
+    for (size_t i = 0; i < batch.size(); ++i) {
+      if (i + kPrefetchAhead < batch.size())
+        for (const PinEntry& pin : batch[i + kPrefetchAhead].PinNets()) walk.nodes.Prefetch(pin.net.Name());
+      SpiceComp& comp = batch[i];
       // A flat walk that ends before the deck is written gives these names to the table before
       // the first line; here they come with their component, which is the same deck as long as
       // no earlier line took the name for another node. A hierarchical load gives none.

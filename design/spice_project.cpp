@@ -35,6 +35,8 @@ std::string NameOf(const Tessel::ContainerT<const Tessel::IBlock>& block) {
   return name.str();
 }
 
+bool SameIndex(const Tessel::Index& a, const Tessel::Index& b) { return a.word0 == b.word0 && a.word1 == b.word1; }
+
 std::string ParentBlockName(const Tessel::IComp& comp) {
   Tessel::ContainerT<const Tessel::IBlock> parent;
   comp.GetParentBlock(parent);
@@ -167,10 +169,17 @@ void SpiceProject::VisitInstance(const Tessel::IteratorT<const Tessel::IComp>& i
   const Tessel::IComp& comp = *instance.operator->();
   Tessel::ContainerT<const Tessel::IBlock> child;
   comp.GetChildBlock(child);
-  std::string childName = NameOf(child);
   // A block already loaded makes the visit end without a trace, whatever the instance says:
-  // the many placements of one block are passed over without reading their attributes.
-  if (visitedIndex.count(childName)) return;
+  // the many placements of one block are passed over without reading their attributes, and
+  // those that follow one another without reading its name.
+  Tessel::Index childIndex;
+  const bool indexed = !child.Empty() && child->GetIndex(childIndex).success;
+  if (indexed && lastVisitedChild && SameIndex(*lastVisitedChild, childIndex)) return;
+  std::string childName = NameOf(child);
+  if (visitedIndex.count(childName)) {
+    if (indexed) lastVisitedChild = childIndex;
+    return;
+  }
   std::string parentName = ParentBlockName(comp);
   if (options.HasLevel(ReadLevel(comp))) return;
   if (!EqualsIgnoringCase(name, parentName)) return;

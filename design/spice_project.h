@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -48,6 +49,7 @@ class SpiceProject {
   SpiceBlock rootBlock;
   std::vector<std::string> visitedBlocks;
   std::unordered_set<std::string> visitedIndex;  // the names of visitedBlocks, for lookup
+  std::optional<Tessel::Index> lastVisitedChild;  // a block of visitedBlocks, by its index
   WireOptions options;
   std::string currentInstancePath;
   std::shared_ptr<std::vector<std::string>> skippedBlocks = std::make_shared<std::vector<std::string>>();

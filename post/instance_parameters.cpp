@@ -2,6 +2,8 @@
 #include "post/instance_parameters.h"
 
 #include <cctype>
+#include <filesystem>
+#include <system_error>
 #include <string_view>
 
 #include "design/platform.h"
@@ -102,6 +104,24 @@ bool ParameterSection(std::string_view contents, std::string modelName, std::str
     return true;
   });
   return kept;
+}
+
+bool SymHoldsParameterFiles() {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const std::string folder = FileSystemPath("sym");
+  if (!fs::is_directory(folder, error)) return error && error != std::errc::no_such_file_or_directory;
+  fs::directory_iterator it(folder, error), end;
+  if (error) return true;
+  for (; it != end; it.increment(error)) {
+    if (error) return true;
+    const std::string name = LowerText(it->path().filename().string());
+    const auto endsWith = [&name](std::string_view tail) {
+      return name.size() >= tail.size() && name.compare(name.size() - tail.size(), tail.size(), tail) == 0;
+    };
+    if (endsWith(".par") || endsWith("-param.txt")) return true;
+  }
+  return error.value() != 0;
 }
 
 std::string LoadInstanceParameters(const std::string& instanceName, const std::string& modelName, std::string& line,

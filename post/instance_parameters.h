@@ -29,6 +29,10 @@ std::string LoadInstanceParameters(const std::string& instanceName, const std::s
                                    const std::unordered_map<std::string, std::string>& internalNames,
                                    std::string& currentInstance, ParameterFileCache& cache);
 
+/// Whether the folder sym holds a file that an instance could take parameters from: a name
+/// ending in ".par" or "-param.txt", in any case. True too when sym cannot be read.
+bool SymHoldsParameterFiles();
+
 /// Appends to `text` the "+" lines of every section of `fileName` whose "*" head holds
 /// the lower-cased model and internal names as whole words; true when at least one line was kept.
 bool ReadParameterSection(const std::string& fileName, std::string modelName, std::string internalName,

@@ -234,6 +234,18 @@ bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settin
   return true;
 }
 
+namespace {
+
+// The parameter files of a model lie in sym under its name: a line that names no other folder
+// can take parameters only when sym holds such a file at all, which is asked once.
+bool InstanceMayTakeParameters(const std::string& line, PostSettings& settings) {
+  if (line.find_first_of("\\/") != std::string::npos) return true;
+  if (!settings.symHoldsParameterFiles) settings.symHoldsParameterFiles = SymHoldsParameterFiles();
+  return *settings.symHoldsParameterFiles;
+}
+
+}  // namespace
+
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
   if (KeepsEveryParameterWord(line, settings)) {
     if (settings.currentInstance.empty()) settings.currentInstance = line.substr(0, line.find(' '));
@@ -252,6 +264,7 @@ std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSett
   }
   const std::string& instance = settings.currentInstance;
   if (!StartsWith(instance, "X") && !StartsWith(instance, "x")) return std::string();
+  if (!InstanceMayTakeParameters(line, settings)) return std::string();
   // The model of an instance is the sub-circuit it calls, ahead of any parameters.
   return LoadInstanceParameters(instance, CalledSubckt(line), line, settings.internalNames,
                                 settings.currentInstance, settings.parameterFiles);

@@ -5,6 +5,7 @@
 // Built from a generator as PostSettings{gen, gen, gen.internalNames, gen.currentInstance}.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -22,6 +23,9 @@ struct PostSettings {
   std::string& currentInstance;
   /// The parameter files of the models that instance lines name, read once a pass.
   ParameterFileCache parameterFiles{};
+  /// Whether the folder sym holds any parameter file at all; asked once a pass, at the first
+  /// instance line (see InstanceMayTakeParameters).
+  std::optional<bool> symHoldsParameterFiles{};
 
   UnitRules Units() const { return UnitRules{&config.uParNames, &config.pParNames, config.stripUnits}; }
 };

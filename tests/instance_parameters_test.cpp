@@ -65,3 +65,27 @@ TEST_F(InstanceParametersTest, AModelWithoutFilesStaysWithoutForThePass) {
 }
 
 }  // namespace
+
+namespace {
+
+// The post pass looks for no model's files when sym holds none: the one listing must see every
+// name the lookups of single files would find, in any case.
+TEST_F(InstanceParametersTest, SymHoldsParameterFilesSeesEveryNameTheLookupsWouldFind) {
+  EXPECT_FALSE(SymHoldsParameterFiles());
+  std::ofstream("sym/notes.txt") << "x\n";
+  std::ofstream("sym/A.mod") << "x\n";
+  fs::create_directories("sym/old.par.d");
+  EXPECT_FALSE(SymHoldsParameterFiles());
+  for (const char* name : {"sym/AMP.PAR", "sym/amp-Param.TXT", "sym/..par"}) {
+    std::ofstream(name) << "* X\n";
+    EXPECT_TRUE(SymHoldsParameterFiles()) << name;
+    fs::remove(name);
+  }
+  fs::remove_all("sym");
+  EXPECT_FALSE(SymHoldsParameterFiles());
+  fs::create_directories("Sym");
+  std::ofstream("Sym/amp.par") << "* X\n";
+  EXPECT_TRUE(SymHoldsParameterFiles());  // the folder's name too is matched ignoring case
+}
+
+}  // namespace

@@ -73,6 +73,10 @@ std::string ModelName(const std::string& line) {
 class LineReader : public ProbeLineSource {
  public:
   explicit LineReader(const std::string& text) : text_(text) {}
+  std::string_view Ahead() const override {
+    return pos_ < text_.size() ? std::string_view(text_).substr(pos_) : std::string_view();
+  }
+  void Skip(size_t size) override { pos_ += size; }
   bool Read(std::string& line) override {
     if (pos_ >= text_.size()) return false;
     size_t end = text_.find('\n', pos_);
@@ -204,7 +208,9 @@ class ProbePass {
 
   std::string Run() {
     std::string line;
-    while (Take(line)) {
+    while (true) {
+      PassInertLines();
+      if (!Take(line)) break;
       if (!IsWrittenByAct(line)) output_.append(line).append("\n");
       Join(line);
       Act(line);
@@ -218,6 +224,57 @@ class ProbePass {
 
  private:
   bool Take(std::string& line) { return Next(line); }
+
+  // Most lines of a deck ask nothing of the pass but to be copied: element lines, comments, and
+  // instance lines while they are only held. Those at hand are taken here as they stand, each
+  // as the loop would take it: a line whose successor is at hand and is neither blank nor a "+"
+  // line (Join would take it), and that does not end in "\r" (the loop drops that). The line
+  // handed back by the last Join comes first.
+  void PassInertLines() {
+    if (queuedCount_ > 1 || pendingCurrent_) return;
+    const std::string_view ahead = reader_.Ahead();
+    if (ahead.empty() || !IsQuietSuccessor(ahead[0])) return;
+    if (queuedCount_ == 1) {
+      if (!IsInert(queued_[0])) return;
+      TakeInert(queued_[0]);
+      queuedCount_ = 0;
+    }
+    size_t pos = 0;
+    while (true) {
+      const size_t end = ahead.find('\n', pos);
+      if (end == std::string_view::npos || end + 1 >= ahead.size() || !IsQuietSuccessor(ahead[end + 1])) break;
+      const std::string_view line = ahead.substr(pos, end - pos);
+      if (line.back() == '\r' || !IsInert(line)) break;
+      if (line[0] == 'x' || line[0] == 'X') HoldInstance(line);
+      pos = end + 1;
+    }
+    if (pos == 0) return;
+    output_.append(ahead.substr(0, pos));
+    reader_.Skip(pos);
+  }
+
+  // A line that Join hands back rather than takes: one neither blank nor a "+" line.
+  static bool IsQuietSuccessor(char first) { return first != '\n' && first != '\r' && first != '+'; }
+
+  // A line the loop would copy and Act pass over, or an instance only to be held.
+  bool IsInert(std::string_view line) const {
+    if (line.empty()) return false;
+    const char first = line[0];
+    if (first == 'x' || first == 'X') return !state_.probeSeen;
+    if (first == '*')
+      return !StartsWith(line, kVoltageMarker) && !StartsWith(line, kCurrentMarker) && !StartsWith(line, "*.END") &&
+             !StartsWith(line, "*.end");
+    return !MayBeSpecial(first) && first != '+' && first != ';';
+  }
+
+  void TakeInert(const std::string& line) {
+    output_.append(line).append(1, '\n');
+    if (line[0] == 'x' || line[0] == 'X') HoldInstance(line);
+  }
+
+  void HoldInstance(std::string_view line) {
+    state_.heldInstances.append(subcircuit_).append(1, '\n').append(line).append(1, '\n');
+  }
 
   // The next line of the file: lines read ahead and handed back come first.
   bool Next(std::string& line) {

@@ -4,6 +4,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "post/print_statements.h"
 #include "post/probe_scope.h"
@@ -14,6 +15,11 @@ class ProbeLineSource {
  public:
   virtual ~ProbeLineSource() = default;
   virtual bool Read(std::string& line) = 0;
+  /// The text at hand behind the lines read, not yet read: whole lines and perhaps the start
+  /// of one; empty when the source keeps none at hand.
+  virtual std::string_view Ahead() const { return {}; }
+  /// Passes over `size` characters of Ahead, which ends lines.
+  virtual void Skip(size_t /*size*/) {}
 };
 
 /// Runs the pass over the whole text of a deck and returns the new text, which ends

@@ -30,3 +30,9 @@ bool QueuedLineReader::Read(std::string& line) {
   if (!line.empty() && line.back() == '\r') line.pop_back();
   return true;
 }
+
+std::string_view QueuedLineReader::Ahead() const {
+  // A line begun in an earlier piece is read line by line.
+  if (!partial_.empty() || pos_ >= piece_.size()) return {};
+  return std::string_view(piece_).substr(pos_);
+}

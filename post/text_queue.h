@@ -16,6 +16,8 @@ class QueuedLineReader : public ProbeLineSource {
  public:
   explicit QueuedLineReader(TextQueue& queue) : queue_(queue) {}
   bool Read(std::string& line) override;
+  std::string_view Ahead() const override;
+  void Skip(size_t size) override { pos_ += size; }
 
  private:
   TextQueue& queue_;

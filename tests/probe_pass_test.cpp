@@ -3,9 +3,11 @@
 // twice or never, joined items, .mc lines and nested definitions. Each dialect's form of the
 // statements is pinned by the deck probe tests.
 #include "post/probe_pass.h"
+#include "post/text_queue.h"
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 
 namespace {
@@ -156,6 +158,40 @@ TEST(ProbePassTest, CalledSubcktIsTheLastWordThatIsNotAParameter) {
                                                        {"X1", ""},
                                                        {"X1 GAIN=2", ""}};
   for (const auto& [line, called] : cases) EXPECT_EQ(CalledSubckt(line), called) << line;
+}
+
+}  // namespace
+
+namespace {
+
+// The runs of lines the pass copies as they stand must come out as the line loop makes them:
+// the whole text at hand (the longest runs) against the same text in pieces of a few
+// characters (no run at all: every line goes through the loop), over random decks.
+TEST(ProbePassTest, RunsOfPlainLinesComeOutAsTheLineLoopMakesThem) {
+  const char* lines[] = {"X1 1 A", "x2 3 B", "X3 4 B PARAMS: G=1", "", "R1 1 2 1K", "V1 1 0 DC 1", " R2 1 0 2",
+                         "* voltage probe on node :  N1", "* next line is a current sense",
+                         "  * next line is a current sense", ".SUBCKT A 1", ".SUBCKT B 1 2", ".ENDS", ".tran 1n 1u",
+                         ".ac dec 10 1 1g", ".probe/csdf V(1)", "* S1=2", "+ AMP", "+ W=1", ".model M1 NMOS",
+                         "; note", "X7 1 2 A\r", "* comment\r", "*.END", "*.end", ".mc 10 tran"};
+  std::mt19937 random(7);
+  for (int deckNumber = 0; deckNumber < 3000; ++deckNumber) {
+    std::string deck;
+    for (int count = 1 + random() % 20; count > 0; --count)
+      deck.append(lines[random() % (sizeof lines / sizeof *lines)]).append("\n");
+    ProbePassState wholeState;
+    std::ostringstream wholeConsole;
+    const std::string whole = Pass(deck, wholeState, wholeConsole);
+
+    TextQueue pieces(deck.size() + 1);
+    for (size_t at = 0; at < deck.size(); at += 3) pieces.Push(deck.substr(at, 3));
+    pieces.Close();
+    QueuedLineReader reader(pieces);
+    ProbePassState lineState;
+    std::ostringstream lineConsole, byLine;
+    ProbeProcessLines(reader, lineState, PrintSettings(), byLine, lineConsole);
+    ASSERT_EQ(byLine.str(), whole) << deck;
+    ASSERT_EQ(lineConsole.str(), wholeConsole.str()) << deck;
+  }
 }
 
 }  // namespace

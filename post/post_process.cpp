@@ -14,6 +14,8 @@
 #include "post/line_words.h"
 #include "post/probe_pass.h"
 
+bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settings);
+
 namespace {
 
 // Under -__ a line is folded once it reaches this many characters.
@@ -130,6 +132,15 @@ void AppendParameterWord(std::string& result, std::string_view word, bool& needs
   result += ' ';
 }
 
+
+// The parameter files of a model lie in sym under its name: a line that names no other folder
+// can take parameters only when sym holds such a file at all, which is asked once.
+bool InstanceMayTakeParameters(const std::string& line, PostSettings& settings) {
+  if (line.find_first_of("\\/") != std::string::npos) return true;
+  if (!settings.symHoldsParameterFiles) settings.symHoldsParameterFiles = SymHoldsParameterFiles();
+  return *settings.symHoldsParameterFiles;
+}
+
 }  // namespace
 
 PostPass::PostPass(PostSettings& settings, size_t sizeHint) : settings_(settings) {
@@ -170,7 +181,55 @@ bool PostPass::IsDropped(std::string_view firstWord) const {
   return elementLetter && !StartsWith(elements_, "ALL") && elements_.find(letter_[0]) == std::string::npos;
 }
 
+// Most lines of a deck come through the rewrite as they stand: a comment without a blank beside
+// an "=", an element line (not a device card) or a plain instance line, without "=", without
+// two blanks in a row and without the stripped text. Such a line is written as it is, and its
+// statement begins as RewritePending begins it; the rest of its steps would change nothing.
+// False, with nothing done, for any other line.
+bool PostPass::WritePlainPending() {
+  const SpiceConfig& config = settings_.config;
+  const Dialect& dialect = settings_.options.dialect;
+  if (pending_.empty() || dialect.dracula) return false;
+  if (pending_.size() >= kFoldWidth && dialect.hdlSources) return false;
+  const char letter = UpperChar(pending_[0]);
+  const bool comment = letter == '*';
+  const bool instance = letter == 'X';
+  const bool element = letter >= 'A' && letter <= 'Z' && letter != 'M' && letter != 'B' && !instance;
+  if (!comment && !element && !instance) return false;
+  // One look at the line: an "=" (a comment's only if a blank or "{ " stands beside it), two
+  // blanks in a row.
+  for (size_t i = 0; i < pending_.size(); ++i) {
+    const char c = pending_[i];
+    const char next = i + 1 < pending_.size() ? pending_[i + 1] : '\0';
+    if (c == '=' && (!comment || next == ' ' || (next == '{' && i + 2 < pending_.size() && pending_[i + 2] == ' ')))
+      return false;
+    if (c == ' ' && (next == ' ' || next == '=')) return false;
+  }
+  // A stripped text that holds a blank could also meet the blanks the rewrite adds behind.
+  if (!config.stripChars.empty() && (pending_.find(config.stripChars) != std::string::npos ||
+                                     config.stripChars.find_first_of(kWhiteSpace) != std::string::npos))
+    return false;
+  const std::string_view firstWord(pending_.data(), std::min(pending_.find(' '), pending_.size()));
+  if (firstWord == config.stripComs) return false;
+  if (instance && (!KeepsEveryParameterWord(pending_, settings_) || InstanceMayTakeParameters(pending_, settings_)))
+    return false;
+  BeginStatement();
+  letter_[0] = UpperChar(letter_[0]);
+  if (!comment) {
+    if (IsDropped(firstWord)) return true;
+    if (instance) settings_.currentInstance.assign(firstWord);
+    if (IsElementLetter(letter_) && !dialect.hdlSources && dialect.pspiceQuotesAlways) {
+      settings_.config.quoteOpen = kPspiceQuoteOpen;
+      settings_.config.quoteClose = kPspiceQuoteClose;
+    }
+  }
+  output_ += pending_;
+  output_ += '\n';
+  return true;
+}
+
 void PostPass::RewritePending() {
+  if (WritePlainPending()) return;
   CloseUpEquals(pending_);
   const std::string firstWord = FirstWord(pending_);
   if (!StartsWith(pending_, "+")) BeginStatement();
@@ -234,17 +293,6 @@ bool KeepsEveryParameterWord(const std::string& line, const PostSettings& settin
   return true;
 }
 
-namespace {
-
-// The parameter files of a model lie in sym under its name: a line that names no other folder
-// can take parameters only when sym holds such a file at all, which is asked once.
-bool InstanceMayTakeParameters(const std::string& line, PostSettings& settings) {
-  if (line.find_first_of("\\/") != std::string::npos) return true;
-  if (!settings.symHoldsParameterFiles) settings.symHoldsParameterFiles = SymHoldsParameterFiles();
-  return *settings.symHoldsParameterFiles;
-}
-
-}  // namespace
 
 std::string RewriteParameterWords(std::string& line, bool& needsParams, PostSettings& settings) {
   if (KeepsEveryParameterWord(line, settings)) {

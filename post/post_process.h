@@ -39,6 +39,7 @@ class PostPass {
   void BeginStatement();
   bool IsDropped(std::string_view firstWord) const;
   void RewritePending();
+  bool WritePlainPending();
   void RewriteStatement(std::string_view firstWord);
 
   PostSettings& settings_;

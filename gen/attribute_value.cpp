@@ -33,10 +33,22 @@ std::string CSpiceGen::EvaluateAttributeValue(const SpiceComp& comp, const std::
   const UnitRules rules{&config.uParNames, &config.pParNames, config.stripUnits};
   double number = 0;
   if (value.find('@') == std::string::npos) {
+    // A plain value gives the same text each time: the components of a symbol, and often of a
+    // whole design, repeat a few values, which are worked out once.
+    for (const ValueMemo& memo : valueMemo_)
+      if (memo.filled && memo.stripUnits == config.stripUnits && memo.value == value && memo.name == paramName)
+        return memo.result;
+    ValueMemo& memo = valueMemo_[valueMemoNext_++ % valueMemo_.size()];
+    memo.filled = false;
+    memo.name = paramName;
+    memo.value = value;
+    memo.stripUnits = config.stripUnits;
     AdjustUnit(value, value, paramName, rules);
-    if (MayBeNumber(value) && EvaluateExpression(value, number) == kEvaluationOk)
-      return FormatEngineering(number);
-    return value;
+    memo.result = MayBeNumber(value) && EvaluateExpression(value, number) == kEvaluationOk
+                      ? FormatEngineering(number)
+                      : value;
+    memo.filled = true;
+    return memo.result;
   }
   std::string text = ExpandAttributeReferences(
       value, [&comp](const std::string& upperKey) { return comp.attrs.Get(upperKey); });

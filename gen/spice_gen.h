@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <array>
 #include <map>
 #include <memory>
 #include <ostream>
@@ -129,6 +130,8 @@ class CSpiceGen {
 
   // ---- gen/attribute_value.cpp ----
   std::string EvaluateAttributeValue(const SpiceComp& comp, const std::string& paramName, std::string value);
+  /// Forgets the values worked out so far; the unit rules of the configuration changed.
+  void ForgetValues() { valueMemo_ = {}; }
 
   // ---- gen/node_writer.cpp: nodes through this generator's table ----
   std::string NodeName(const std::string& name, NodeTable& table) { return ::NodeName(options, name, table); }
@@ -220,6 +223,16 @@ class CSpiceGen {
   int32_t uniqueCounter = 0;
   int loadFailure = kExitDeckWritten;  // set by LoadProject
   bool groundSeen = false;
+
+ private:
+  // The plain values met last, with the texts they gave (EvaluateAttributeValue).
+  struct ValueMemo {
+    std::string name, value, result;
+    bool stripUnits = false;
+    bool filled = false;
+  };
+  std::array<ValueMemo, 8> valueMemo_{};
+  size_t valueMemoNext_ = 0;
 };
 
 /// Makes the two folder levels in front of the deck at `circuitPath`, outer one first;

@@ -188,6 +188,7 @@ std::string DefaultConfigPath() {
 }  // namespace
 
 int CSpiceGen::ReadConfigFile() {
+  ForgetValues();
   if (options.configFile.empty()) options.configFile = DefaultConfigPath();
   std::string text;
   if (!FileExists(options.configFile) || !ReadWholeFile(options.configFile, text)) {

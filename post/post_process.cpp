@@ -229,7 +229,7 @@ bool PostPass::WritePlainPending() {
 }
 
 void PostPass::RewritePending() {
-  if (WritePlainPending()) return;
+  if (plainLinesAsTheyStand_ && WritePlainPending()) return;
   CloseUpEquals(pending_);
   const std::string firstWord = FirstWord(pending_);
   if (!StartsWith(pending_, "+")) BeginStatement();

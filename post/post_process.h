@@ -34,6 +34,9 @@ class PostPass {
   std::string& Output() { return output_; }
   /// Rewrites the line held back and returns the rest of the text.
   std::string Finish();
+  /// Sends every line through the whole rewrite, also those it would give back unchanged (the
+  /// check of that shortcut).
+  void RewriteEveryLine() { plainLinesAsTheyStand_ = false; }
 
  private:
   void BeginStatement();
@@ -49,6 +52,7 @@ class PostPass {
   std::string widthAndLength_;
   std::string elements_;  // upper case
   bool needsParams_ = false;
+  bool plainLinesAsTheyStand_ = true;
 };
 
 /// Runs the pass over the text of a deck and returns the new text.

@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <unordered_map>
+#include <vector>
+
 #include "gen/dialect_of.h"
 #include "post/line_words.h"
 
@@ -152,6 +156,57 @@ TEST_F(PostProcess, MissingPathOrFileGivesTheMessages) {
   testing::internal::CaptureStdout();
   PostProcessFile("Out\\none.cir", settings);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error: Could not open data file Out\\none.cir\n");
+}
+
+}  // namespace
+
+namespace {
+
+// The lines the pass writes as they stand must be what the whole rewrite makes of them, with
+// the same statement state behind: random decks under random dialects and configurations,
+// once with the shortcut and once without.
+TEST(PostPassShortcut, PlainLinesComeOutAsTheWholeRewriteMakesThem) {
+  const char* lines[] = {"X1 1 2 STAGE", "X2 1 2 AMP PARAMS: G=1", "x3 a b sub W=1 L=2", "X8 1 2 sub\\dir",
+                         "R1 1 2 1K", "r2 1 2 2k", "M1 d g s b NMOS W=1u L=1u", "* S1=2", "* IN0 = 1", "*x ={ 1}",
+                         "+ G=3", "+ AMP", ".SUBCKT A 1 2 PARAMS: G=1", ".ENDS", "X5  1   2  STAGE ", "C1 1 0 {a b}",
+                         "V1 1 0 DC 5", "Q1 c b e QN", "", "X6 1 2 A B=' 1 2 '", "R@3 1 2 5", "* a@b", "*", "B1 1 0 V=1",
+                         "S1 1 2 3 4 SW", "P1 1 2", "Z9 @", "\tR7 1 2 3\t", "E1 1 0 2 0 1", ".tran 1n 1u", "; c",
+                         "1 2 3", "R1 1 2 1K ; c",
+                         "* a long comment xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx",
+                         "X9 1 2 LONGNAMEXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXXX"};
+  const char* strips[] = {"@", "", "1 ", "X", "  "};
+  const char* comments[] = {"*", "", "R1", "*x"};
+  std::mt19937 random(11);
+  for (int deckNumber = 0; deckNumber < 4000; ++deckNumber) {
+    std::vector<std::string> deck;
+    for (int count = 1 + random() % 14; count > 0; --count) deck.emplace_back(lines[random() % std::size(lines)]);
+    WireOptions options;
+    options.dialect = DialectOf(options);
+    options.dialect.dracula = random() % 6 == 0;
+    options.dialect.hdlSources = random() % 4 == 0;
+    options.dialect.pspiceQuotesAlways = random() % 2;
+    SpiceConfig config;
+    config.stripChars = strips[random() % std::size(strips)];
+    config.stripComs = comments[random() % std::size(comments)];
+    config.stripComments = random() % 3 == 0;
+    if (random() % 4 == 0) config.elements = "RCX";
+    std::string results[2], instances[2], quotes[2];
+    for (int whole = 0; whole < 2; ++whole) {
+      SpiceConfig copy = config;
+      std::unordered_map<std::string, std::string> internalNames;
+      PostSettings settings{options, copy, internalNames, instances[whole]};
+      PostPass pass(settings, 0);
+      if (whole) pass.RewriteEveryLine();
+      for (const std::string& line : deck) pass.Read(line);
+      results[whole] = pass.Finish();
+      quotes[whole] = copy.quoteOpen + copy.quoteClose;
+    }
+    std::string text;
+    for (const std::string& line : deck) text += line + "\n";
+    ASSERT_EQ(results[0], results[1]) << text;
+    ASSERT_EQ(instances[0], instances[1]) << text;
+    ASSERT_EQ(quotes[0], quotes[1]) << text;
+  }
 }
 
 }  // namespace

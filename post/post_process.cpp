@@ -210,7 +210,16 @@ bool PostPass::WritePlainPending() {
                                      config.stripChars.find_first_of(kWhiteSpace) != std::string::npos))
     return false;
   const std::string_view firstWord(pending_.data(), std::min(pending_.find(' '), pending_.size()));
-  if (firstWord == config.stripComs) return false;
+  if (firstWord == config.stripComs) {
+    // The comment mark of the configuration: the line is dropped or written as it stands.
+    if (!comment) return false;
+    BeginStatement();
+    if (!config.stripComments) {
+      output_ += pending_;
+      output_ += '\n';
+    }
+    return true;
+  }
   if (instance && (!KeepsEveryParameterWord(pending_, settings_) || InstanceMayTakeParameters(pending_, settings_)))
     return false;
   BeginStatement();

@@ -7,11 +7,13 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "design/dialect.h"
+#include "design/numbered_names.h"
 #include "design/string_set.h"
 
 /// The level names (-l and positional arguments), newest first.
@@ -20,11 +22,18 @@ using LevelList = std::vector<std::string>;
 /// Instance names already given out in the current scope (one block of a hierarchical
 /// deck, or the whole of a flat deck). Indexed so that each lookup is constant time.
 struct UsedNames {
+  /// Adds `name`; false when it was given out already. A name of a text and a number ("R12")
+  /// goes to `numbered`, any other to `names`, so each name has one place.
+  bool Insert(std::string_view name) {
+    return NumberedNames::Keeps(name) ? numbered.Insert(name) : names.Insert(name);
+  }
+  NumberedNames numbered;
   StringSet names;
   /// For each first character, the lowest suffix counter not yet known to be taken;
   /// lets UniqueName resume its search instead of starting over at 0 every time.
   std::unordered_map<char, int32_t> nextFreeSuffix;
   void Clear() {
+    numbered.Clear();
     names.Clear();
     nextFreeSuffix.clear();
   }

@@ -153,14 +153,14 @@ std::string UniqueName(UsedNames& used, std::string name) {
   // An empty name is no name: it is not written, so it takes no place in the list.
   if (name.empty()) return name;
   // Most names are new: one insert both tests and records them.
-  if (used.names.Insert(name)) return name;
+  if (used.Insert(name)) return name;
   // The search always runs <first>0, <first>1, ... in this order, and names are only
   // ever added, so every suffix below the remembered one is taken for good.
   char first = name[0];
   int32_t& next = used.nextFreeSuffix[first];
   for (;; ++next) {
     name = std::string(1, first) + std::to_string(next);
-    if (used.names.Insert(name)) return name;
+    if (used.Insert(name)) return name;
   }
 }
 

@@ -353,7 +353,21 @@ void SpiceBlock::ScanNets() {
   Tessel::IteratorT<const Tessel::INet> it;
   block->GetIterNets(it);
   netCount = 0;
+  // A net without attributes, not global and not named GND..., gives the tables nothing unless
+  // the dialect names every net at load or keeps internal names: most nets are passed over
+  // after a look at those three.
+  const bool everyNetCounts = options.dialect.namesNetsAtLoad || (tables && options.dialect.netUidMap);
   for (; it->IsValid(); it++) {
+    if (!everyNetCounts && !it->HasAttributes()) {
+      bool global = false;
+      it->IsGlobal(global);
+      Tessel::String label;
+      if (!global) it->GetLabel(label);
+      if (!global && label.str().compare(0, 3, "GND") != 0) {
+        ++netCount;
+        continue;
+      }
+    }
     SpiceNet net(it, netAliases, false);
     net.uidManager = uidManager;
     net.FormInternalName(it);

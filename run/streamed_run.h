@@ -27,6 +27,10 @@ bool MayStream(const WireOptions& options);
 /// Removes the folders a run made for a deck it did not write (inner one first).
 void RemoveMadeFolders(const std::vector<std::string>& made);
 
+/// Batches of components (ComponentPipe::kBatchSize each) the flat walk may hand over before the
+/// generator takes the first: some tens of megabytes.
+constexpr size_t kFlatBatchesAhead = 256;
+
 template <class Flavour>
 int RunStreamed(const WireOptions& options, const std::string& group) {
   // The console is held back and printed at the end in the classic order: root block,
@@ -49,7 +53,9 @@ int RunStreamed(const WireOptions& options, const std::string& group) {
     return gen.loadFailure;
   }
   // The walk's thread hands each component over as soon as it is loaded; it prints nothing.
-  ComponentPipe pipe;
+  // The generator starts on them once the root's nets are scanned and its node table is made:
+  // the pipe holds enough for the walk to keep going meanwhile.
+  ComponentPipe pipe(kFlatBatchesAhead);
   PipeFiller walker(pipe, [&] { return gen.WalkDesign(group, *project, block, &pipe); });
 
   HoldWorkingFolder();

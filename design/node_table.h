@@ -68,6 +68,10 @@ class NodeTable {
   void Rehash(size_t slotCount);
 
   std::deque<value_type> entries_;
-  LargeArray<Slot> slots_;  // a power of two in size, at most half full
+  /// Whether the index holds `entries` at most three in five full: at ten million nets a table
+  /// kept half empty would be twice the size, and every new net's slot a miss in it.
+  bool HasRoomFor(size_t entries) const { return entries * 5 <= slots_.size() * 3; }
+
+  LargeArray<Slot> slots_;  // a power of two in size, at most three in five full
   std::array<Slot, kRecent> recent_{};
 };

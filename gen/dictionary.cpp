@@ -49,10 +49,11 @@ void CSpiceGen::WriteDictionary(int flag) {
   if (!options.flatten) out << "\n";
   out << (flag == 0 ? "* Dictionary " : "* CROSS-REFERENCE ") << std::to_string(dictionaryLines.Size())
       << "\n";
-  bool groundNamed = false;
+  // The lines are searched for a ground name only while the warning below may still be due.
+  bool groundNamed = flag != 0 || groundSeen;
   dictionaryLines.ForEachNewestFirst([&](std::string_view entry) {
     out << entry << "\n";
-    if (entry.find("GND") != std::string::npos) groundNamed = true;
+    if (!groundNamed && entry.find("GND") != std::string::npos) groundNamed = true;
   });
   dictionaryLines.Clear();
   ++dictionaryRound;

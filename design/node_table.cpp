@@ -54,7 +54,7 @@ std::pair<NodeTable::iterator, bool> NodeTable::try_emplace(const std::string& k
     recent = Slot{static_cast<uint32_t>(at + 1), static_cast<uint32_t>(hash)};
     return {entries_.begin() + at, false};
   }
-  if (!HasRoomFor(entries_.size() + 1)) {
+  if (!HasRoomFor(entries_.size() + 1, slots_.size())) {
     Rehash(slots_.empty() ? 16 : slots_.size() * 2);
     Locate(key, hash, slot);
   }
@@ -84,7 +84,7 @@ void NodeTable::Prefetch(std::string_view key) const {
 
 void NodeTable::reserve(size_t count) {
   size_t wanted = 16;
-  while (wanted * 3 < count * 5) wanted *= 2;
+  while (!HasRoomFor(count, wanted)) wanted *= 2;
   if (wanted > slots_.size()) Rehash(wanted);
 }
 

@@ -70,7 +70,7 @@ class NodeTable {
   std::deque<value_type> entries_;
   /// Whether the index holds `entries` at most three in five full: at ten million nets a table
   /// kept half empty would be twice the size, and every new net's slot a miss in it.
-  bool HasRoomFor(size_t entries) const { return entries * 5 <= slots_.size() * 3; }
+  static bool HasRoomFor(size_t entries, size_t slots) { return entries * 5 <= slots * 3; }
 
   LargeArray<Slot> slots_;  // a power of two in size, at most three in five full
   std::array<Slot, kRecent> recent_{};

@@ -61,29 +61,14 @@ void DeckPassesStream::WriteDone() {
   for (const std::string& piece : done) target_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
 }
 
-std::streambuf::int_type DeckPassesStream::HandBack::overflow(int_type c) {
+std::streambuf::int_type DeckPassesStream::PieceForwarder::overflow(int_type c) {
   if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
   const char one = traits_type::to_char_type(c);
   return xsputn(&one, 1) == 1 ? c : traits_type::eof();
 }
 
-std::streamsize DeckPassesStream::HandBack::xsputn(const char* text, std::streamsize size) {
-  if (size <= 0) return 0;
-  std::string piece(text, static_cast<size_t>(size));
-  std::lock_guard<std::mutex> lock(owner_.mutex_);
-  owner_.done_.push_back(std::move(piece));
-  return size;
-}
-
-std::streambuf::int_type DeckPassesStream::ToPostPass::overflow(int_type c) {
-  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
-  const char one = traits_type::to_char_type(c);
-  return xsputn(&one, 1) == 1 ? c : traits_type::eof();
-}
-
-std::streamsize DeckPassesStream::ToPostPass::xsputn(const char* text, std::streamsize size) {
-  // The probe pass writes in pieces of its own size; a stopped queue drops them (see Fail).
-  if (size > 0) queue_.Push(std::string(text, static_cast<size_t>(size)));
+std::streamsize DeckPassesStream::PieceForwarder::xsputn(const char* text, std::streamsize size) {
+  if (size > 0) take_(std::string(text, static_cast<size_t>(size)));
   return size;
 }
 

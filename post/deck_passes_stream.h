@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <exception>
+#include <functional>
 #include <mutex>
 #include <ostream>
 #include <sstream>
@@ -40,27 +41,16 @@ class DeckPassesStream : private std::streambuf, public std::ostream {
   static constexpr size_t kPieceSize = 1 << 17;
   static constexpr size_t kPiecesAhead = 32;
 
-  // Where the probe pass's text goes on its thread: into the queue of the post pass.
-  class ToPostPass : public std::streambuf {
+  // A stream buffer that hands each write on whole, as one piece, to `take`: the probe pass's
+  // text to the post pass's queue, and the post pass's text back to the writer's thread.
+  class PieceForwarder : public std::streambuf {
    public:
-    explicit ToPostPass(TextQueue& queue) : queue_(queue) {}
+    explicit PieceForwarder(std::function<void(std::string)> take) : take_(std::move(take)) {}
 
    private:
     int_type overflow(int_type c) override;
     std::streamsize xsputn(const char* text, std::streamsize size) override;
-    TextQueue& queue_;
-  };
-
-  // Where the post pass's text goes on the passes' thread: into the pieces the writer's
-  // thread takes.
-  class HandBack : public std::streambuf {
-   public:
-    explicit HandBack(DeckPassesStream& owner) : owner_(owner) {}
-
-   private:
-    int_type overflow(int_type c) override;
-    std::streamsize xsputn(const char* text, std::streamsize size) override;
-    DeckPassesStream& owner_;
+    std::function<void(std::string)> take_;
   };
 
   std::streambuf::int_type overflow(std::streambuf::int_type c) override;
@@ -81,8 +71,12 @@ class DeckPassesStream : private std::streambuf, public std::ostream {
   std::string input_;  // the writer's side
   TextQueue toPasses_{kPiecesAhead};
   TextQueue toPost_{kPiecesAhead};  // the probe pass's text, when there is a probe pass
-  ToPostPass toPostBuffer_{toPost_};
-  HandBack handBack_{*this};
+  // The probe pass writes in pieces of its own size; a stopped queue drops them (see Fail).
+  PieceForwarder toPostBuffer_{[this](std::string piece) { toPost_.Push(std::move(piece)); }};
+  PieceForwarder handBack_{[this](std::string piece) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    done_.push_back(std::move(piece));
+  }};
   std::ostream made_{&handBack_};  // the passes' side
   std::ostringstream messages_;    // the passes' side until Finish
   std::mutex mutex_;

@@ -126,6 +126,11 @@ std::string EmitterAreaText(const KeyValue& word, const std::string& multiplier,
 
 }  // namespace
 
+void SetPspiceQuotes(SpiceConfig& config) {
+  config.quoteOpen = kPspiceQuoteOpen;
+  config.quoteClose = kPspiceQuoteClose;
+}
+
 void SetDialectQuotes(PostSettings& settings) {
   SpiceConfig& config = settings.config;
   const QuoteSet quotes = settings.options.dialect.quoteSet;
@@ -133,8 +138,7 @@ void SetDialectQuotes(PostSettings& settings) {
     config.quoteOpen = kTickQuote;
     config.quoteClose = kTickQuote;
   } else if (quotes == QuoteSet::kPspice) {
-    config.quoteOpen = kPspiceQuoteOpen;
-    config.quoteClose = kPspiceQuoteClose;
+    SetPspiceQuotes(config);
   }
 }
 
@@ -258,10 +262,7 @@ std::string NormalizeLength(std::string word, PostSettings& settings) {
 void QuoteValue(std::string& word, PostSettings& settings) {
   SpiceConfig& config = settings.config;
   const Dialect& dialect = settings.options.dialect;
-  if (dialect.pspiceQuotesAlways) {
-    config.quoteOpen = kPspiceQuoteOpen;
-    config.quoteClose = kPspiceQuoteClose;
-  }
+  if (dialect.pspiceQuotesAlways) SetPspiceQuotes(config);
   if (!dialect.quotedValues || config.noQuotes) return;
   if (word.find('=') == std::string::npos) return;
   if (StartsWith(word, "$.MODEL=") || StartsWith(word, "IS=X")) return;

@@ -10,6 +10,8 @@
 /// The quote strings of the dialects: braces for Pspice, apostrophes elsewhere.
 extern const char* const kPspiceQuoteOpen;
 extern const char* const kPspiceQuoteClose;
+/// Makes the Pspice braces the quotes of the configuration.
+void SetPspiceQuotes(SpiceConfig& config);
 extern const char* const kTickQuote;
 
 /// Sets config.quoteOpen/quoteClose for the deck's dialect; Berkeley SPICE keeps its own.

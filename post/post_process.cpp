@@ -227,10 +227,8 @@ bool PostPass::WritePlainPending() {
   if (!comment) {
     if (IsDropped(firstWord)) return true;
     if (instance) settings_.currentInstance.assign(firstWord);
-    if (IsElementLetter(letter_) && !dialect.hdlSources && dialect.pspiceQuotesAlways) {
-      settings_.config.quoteOpen = kPspiceQuoteOpen;
-      settings_.config.quoteClose = kPspiceQuoteClose;
-    }
+    if (IsElementLetter(letter_) && !dialect.hdlSources && dialect.pspiceQuotesAlways)
+      SetPspiceQuotes(settings_.config);
   }
   output_ += pending_;
   output_ += '\n';
@@ -341,10 +339,7 @@ void RewriteElementWords(std::string& line, const std::string& letter, PostSetti
   // Quoting sets the dialect's quotes first, whatever the word; a word without "=" is then
   // left as it is, so only the others are copied and rewritten. Dracula words take the
   // whole way, in the order of rewrite then quoting.
-  if (quoting && !dracula && settings.options.dialect.pspiceQuotesAlways) {
-    settings.config.quoteOpen = kPspiceQuoteOpen;
-    settings.config.quoteClose = kPspiceQuoteClose;
-  }
+  if (quoting && !dracula && settings.options.dialect.pspiceQuotesAlways) SetPspiceQuotes(settings.config);
   if (!dracula && (!quoting || line.find('=') == std::string::npos)) {
     // Every word stays as it is: the words, one blank behind each, and one more for the
     // end of the line. Blanks are single here, so only the ends change.

@@ -16,10 +16,10 @@ const char kCurrentMarker[] = "* next line is a current sense";
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 // True when the line begins with `prefix` once its leading blanks are skipped.
-bool StartsWithAfterBlanks(const std::string& line, std::string_view prefix) {
+bool StartsWithAfterBlanks(std::string_view line, std::string_view prefix) {
   size_t start = 0;
   while (start < line.size() && IsBlank(line[start])) ++start;
-  return line.compare(start, prefix.size(), prefix) == 0;
+  return StartsWith(line.substr(start), prefix);
 }
 
 // The first blank-separated word at or behind `column`.
@@ -122,17 +122,26 @@ std::string CalledSubckt(const std::string& line) {
 
 namespace {
 
+// A new scope of `subcircuit` at the end of the chain, behind `scope`.
+ProbeScope* OpenScope(ProbePassState& state, ProbeScope* scope, const std::string& subcircuit) {
+  ProbeScope* next = state.NewProbeScope();
+  scope->next = next;
+  next->prev = scope;
+  next->name = subcircuit;
+  return next;
+}
+
 ProbeScope* EnterInstance(ProbePassState& state, const std::string& line, const std::string& subcircuit,
                           ProbeScope* scope) {
-  if (scope->name.empty() || scope->name != subcircuit) {
-    ProbeScope* next = state.NewProbeScope();
-    scope->next = next;
-    next->prev = scope;
-    next->name = subcircuit;
-    scope = next;
-  }
+  if (scope->name.empty() || scope->name != subcircuit) scope = OpenScope(state, scope, subcircuit);
   scope->instances[FirstWordFrom(line, 0)] = CalledSubckt(line);
   return scope;
+}
+
+// Holds an instance line met before the first probe: its subcircuit and its line, each ended by
+// "\n" (the replay in AddScopeProbe reads them back).
+void HoldInstance(ProbePassState& state, std::string_view line, const std::string& subcircuit) {
+  state.heldInstances.append(subcircuit).append(1, '\n').append(line).append(1, '\n');
 }
 
 }  // namespace
@@ -153,15 +162,10 @@ ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const 
       pos = lineEnd + 1;
     }
   }
-  if (scope->name.empty()) {
+  if (scope->name.empty())
     scope->name = subcircuit;
-  } else if (scope->name != subcircuit) {
-    ProbeScope* next = state.NewProbeScope();
-    scope->next = next;
-    next->prev = scope;
-    next->name = subcircuit;
-    scope = next;
-  }
+  else if (scope->name != subcircuit)
+    scope = OpenScope(state, scope, subcircuit);
   scope->probes[node] = kind;
   return scope;
 }
@@ -169,7 +173,7 @@ ProbeScope* AddScopeProbe(ProbePassState& state, const std::string& kind, const 
 ProbeScope* AddScopeInstance(ProbePassState& state, const std::string& line, const std::string& subcircuit,
                              ProbeScope* scope) {
   if (!state.probeSeen) {
-    state.heldInstances.append(subcircuit).append(1, '\n').append(line).append(1, '\n');
+    HoldInstance(state, line, subcircuit);
     return scope;
   }
   return EnterInstance(state, line, subcircuit, scope);
@@ -245,7 +249,7 @@ class ProbePass {
       if (end == std::string_view::npos || end + 1 >= ahead.size() || !IsQuietSuccessor(ahead[end + 1])) break;
       const std::string_view line = ahead.substr(pos, end - pos);
       if (line.back() == '\r' || !IsInert(line)) break;
-      if (line[0] == 'x' || line[0] == 'X') HoldInstance(line);
+      if (line[0] == 'x' || line[0] == 'X') HoldInstance(state_, line, subcircuit_);
       pos = end + 1;
     }
     if (pos == 0) return;
@@ -261,19 +265,13 @@ class ProbePass {
     if (line.empty()) return false;
     const char first = line[0];
     if (first == 'x' || first == 'X') return !state_.probeSeen;
-    if (first == '*')
-      return !StartsWith(line, kVoltageMarker) && !StartsWith(line, kCurrentMarker) && !StartsWith(line, "*.END") &&
-             !StartsWith(line, "*.end");
+    if (first == '*') return !IsWrittenByAct(line);
     return !MayBeSpecial(first) && first != '+' && first != ';';
   }
 
   void TakeInert(const std::string& line) {
     output_.append(line).append(1, '\n');
-    if (line[0] == 'x' || line[0] == 'X') HoldInstance(line);
-  }
-
-  void HoldInstance(std::string_view line) {
-    state_.heldInstances.append(subcircuit_).append(1, '\n').append(line).append(1, '\n');
+    if (line[0] == 'x' || line[0] == 'X') HoldInstance(state_, line, subcircuit_);
   }
 
   // The next line of the file: lines read ahead and handed back come first.
@@ -284,7 +282,7 @@ class ProbePass {
   }
 
   // Lines that are dropped here: markers and items, or written by Act.
-  static bool IsWrittenByAct(const std::string& line) {
+  static bool IsWrittenByAct(std::string_view line) {
     // Each begins with "*", "." or a blank: most lines are told apart by their first character.
     if (line.empty() || !MayBeSpecial(line[0])) return false;
     return StartsWith(line, kVoltageMarker) || StartsWithAfterBlanks(line, kCurrentMarker) ||
